@@ -1,0 +1,95 @@
+#pragma once
+
+#include <KelvOsgTools/Export.h>
+#include <KelvOsgTools/FeatureTypes.h>
+
+#include <osg/Array>
+#include <osg/AutoTransform>
+#include <osg/Geometry>
+#include <osg/Matrixd>
+#include <osg/Vec3f>
+#include <osg/Vec4f>
+#include <osg/ref_ptr>
+#include <osgText/Text>
+
+#include <QString>
+
+#include <string>
+
+namespace KelvOsgTools {
+
+/// Label of a feature: a text on a filled rectangle with an outline, always facing the viewer.
+///
+/// The rectangle is centred above its anchor point: 10 units up, as wide as the text, as high as
+/// the font. In the normal layout a unit is a screen pixel whatever the distance, in the scaled
+/// layout it is a unit of the scene. Labels draw without depth test, over what was drawn before.
+///
+/// Nodes: the table, named "showTableNode"; under it a geode with the drawables "squareLineNode"
+/// (outline), "squareNode" (fill) and "textNode" (text), in this order.
+class KELVOSGTOOLS_EXPORT CTableMeta : public osg::AutoTransform
+{
+public:
+    struct structTableMeta
+    {
+        osg::Vec4f textColor{0.0f, 0.0f, 0.0f, 1.0f};  ///< RGBA of the text and, in the normal layout, of the outline
+        osg::Vec3f pos;                                ///< anchor point in the coordinates of the table's parent
+        osg::Vec3f backgroundColor{1.0f, 1.0f, 1.0f};  ///< RGB of the fill
+        QString tableNamePrefix = QStringLiteral("Table"); ///< text before translation; may be empty
+        int tableNameIndexSuffix = -1;                 ///< number behind the prefix; -1: none
+        int fontSize = 14;                             ///< points when measuring, character size when drawing
+        int renderIndex = 1;                           ///< render bin number; picking prefers the higher one, and needs 1 or more
+        bool isAutoScale = true;                       ///< true: normal layout (pixels), false: scaled layout (scene units)
+        bool isBottom = false;                         ///< carried and saved; the layout does not read it
+    };
+
+    /// Builds the label. Reads the font of the configuration and translates the prefix now; the
+    /// record is copied and never changes. A position that is not finite gives a label that is
+    /// neither drawn nor hit.
+    explicit CTableMeta(const structTableMeta& meta);
+
+    /// Shallow: shares the drawables of other.
+    CTableMeta(const CTableMeta& other);
+    ~CTableMeta() override;
+
+    const structTableMeta& getMetaStruct() const;
+
+    /// Tells whether a window position lies on the label's rectangle; its edges are outside.
+    /// Meaningful in the normal layout, whose units are pixels.
+    /// @param toWindow from the coordinates of the table's parent to the window
+    /// @param x,y      in the coordinates that toWindow leads to, y upwards
+    bool checkClickPointIsInsideTable(const osg::Matrixd& toWindow, float x, float y);
+
+    /// Translates, measures and builds the label anew, in its present state; call it after the
+    /// translators changed. Does nothing in the scaled layout, or once the geode was removed.
+    void updateLanguage();
+
+    /// Colours text and outline: the plane configuration's table colours when selected or
+    /// highlighted, black in every other state. Does nothing if the state is the present one, and
+    /// recolours nothing in the scaled layout.
+    virtual void setState(featureState state);
+
+private:
+    void init();
+    void normalTable(const osg::Vec3f& pos, const std::wstring& text, float fontSize, const osg::Vec4f& textColor,
+                     const osg::Vec3f& backgroundColor, int renderIndex, bool isBottom);
+    void scaleTable(const osg::Vec3f& pos, const std::wstring& text, float fontSize, const osg::Vec4f& textColor,
+                    const osg::Vec3f& backgroundColor, int renderIndex, bool isBottom);
+    osg::ref_ptr<osg::Geometry> square(osg::Vec2Array* corners, const osg::Vec3f& color);
+    osg::ref_ptr<osg::Geometry> line(osg::Vec2Array* corners, osg::Vec4f color);
+    osg::ref_ptr<osgText::Text> textNode(const std::wstring& text, float fontSize, const osg::Vec4f& color);
+    void updateState(featureState state);
+
+    // The rectangle in the table's plane, relative to the anchor point.
+    float m_rectTop = 0.0f;
+    float m_rectBottom = 0.0f;
+    float m_rectLeft = 0.0f;
+    float m_rectRight = 0.0f;
+    structTableMeta m_metaStruct;
+    // Null in the scaled layout: such a label keeps its colours and its language.
+    osg::ref_ptr<osg::Geometry> m_squareGeometry;
+    osg::ref_ptr<osg::Geometry> m_lineGeometry;
+    osg::ref_ptr<osgText::Text> m_textDrawable;
+    featureState m_state = featureStateNormal;
+};
+
+} // namespace KelvOsgTools

@@ -1,0 +1,73 @@
+#pragma once
+
+#include <KelvOsgTools/Export.h>
+#include <KelvOsgTools/FeatureTypes.h>
+
+#include <osg/Node>
+#include <osg/NodeVisitor>
+#include <osg/ref_ptr>
+
+#include <QString>
+#include <QStringList>
+
+#include <string>
+#include <vector>
+
+namespace KelvOsgTools {
+
+/// Collects the nodes of a subtree that have one of the given names, told as Qt strings.
+///
+/// Like its two siblings it visits all children, switched-off ones too, lists nodes in depth-first
+/// pre-order and once for every criterion they meet, and searches on below a match. Nodes found
+/// stay alive as long as the visitor does. Node names are read in the local 8-bit encoding, names
+/// given as std::string in UTF-8.
+class KELVOSGTOOLS_EXPORT findNodeVisitor : public osg::NodeVisitor
+{
+public:
+    explicit findNodeVisitor(const std::string& name);
+    explicit findNodeVisitor(const QString& name);
+    explicit findNodeVisitor(const QStringList& names);
+    findNodeVisitor(const findNodeVisitor& other);
+    ~findNodeVisitor() override;
+
+    void apply(osg::Node& node) override;
+
+    QStringList m_names;                               ///< the names sought
+    std::vector<osg::ref_ptr<osg::Node>> m_foundNodes; ///< the nodes found; appended to by every traversal
+};
+
+/// Collects the nodes of a subtree that have one of the given names, compared byte for byte.
+/// @see findNodeVisitor for what all three visitors do alike
+class KELVOSGTOOLS_EXPORT FindNamedNodeVisitor : public osg::NodeVisitor
+{
+public:
+    explicit FindNamedNodeVisitor(const std::vector<std::string>& names);
+    explicit FindNamedNodeVisitor(const QStringList& names); ///< converted to UTF-8
+    FindNamedNodeVisitor(const FindNamedNodeVisitor& other);
+    ~FindNamedNodeVisitor() override;
+
+    void apply(osg::Node& node) override;
+
+    std::vector<osg::ref_ptr<osg::Node>> m_foundNodes; ///< the nodes found; appended to by every traversal
+    std::vector<std::string> m_names;                  ///< the names sought
+};
+
+/// Collects the nodes of a subtree whose "feature_type" is one of the given kinds.
+///
+/// A node without that user value, or with one that is not an int, counts as featureAll (0): seeking
+/// featureAll collects all of them. Nodes marked -1 match no kind.
+/// @see findNodeVisitor for what all three visitors do alike
+class KELVOSGTOOLS_EXPORT FindFeatureNodeVisitor : public osg::NodeVisitor
+{
+public:
+    explicit FindFeatureNodeVisitor(const std::vector<featureType>& kinds);
+    FindFeatureNodeVisitor(const FindFeatureNodeVisitor& other);
+    ~FindFeatureNodeVisitor() override;
+
+    void apply(osg::Node& node) override;
+
+    std::vector<osg::ref_ptr<osg::Node>> m_foundNodes; ///< the nodes found; appended to by every traversal
+    std::vector<featureType> m_featureTypes;           ///< the kinds sought
+};
+
+} // namespace KelvOsgTools

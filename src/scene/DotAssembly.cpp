@@ -1,0 +1,96 @@
+#include <KelvOsgTools/CFeatureConfig.h>
+#include <KelvOsgTools/CFlagAutoScaleSphereMeta.h>
+#include <KelvOsgTools/CSphereMeta.h>
+#include <KelvOsgTools/FeatureFunctions.h>
+
+#include "foundation/SceneMarks.h"
+#include "scene/FeatureAssembly.h"
+
+#include <new>
+
+namespace KelvOsgTools {
+namespace {
+
+constexpr float kDotRadiusPixels = 3.0f;
+constexpr float kFlagRadiusPixels = 4.0f;
+constexpr float kSphereDetailRatio = 3.0f;
+
+osg::ref_ptr<osg::Group> namedTable(const CTableMeta::structTableMeta& meta)
+{
+    osg::ref_ptr<osg::Group> table = new CTableMeta(meta);
+    table->setName(detail::kTableName);
+    return table;
+}
+
+CAutoScaleSphereMeta::structSphereMeta dotRecord(const osg::Vec3f& point)
+{
+    CAutoScaleSphereMeta::structSphereMeta meta;
+    meta.cneterPos = point;
+    meta.nodeName = detail::kDotRecordName;
+    meta.radius = kDotRadiusPixels;
+    meta.ratio = kSphereDetailRatio;
+    meta.color.set(1.0f, 1.0f, 1.0f, 1.0f);
+    return meta;
+}
+
+CAutoScaleSphereMeta::structSphereMeta flagRecord(const osg::Vec3f& point)
+{
+    CAutoScaleSphereMeta::structSphereMeta meta;
+    meta.cneterPos = point;
+    meta.nodeName = detail::kSphereRecordName;
+    meta.radius = kFlagRadiusPixels;
+    meta.ratio = kSphereDetailRatio;
+    meta.color.set(1.0f, 0.0f, 0.0f, 1.0f);
+    return meta;
+}
+
+} // namespace
+
+osg::ref_ptr<osg::Group> createTable(const CTableMeta::structTableMeta& meta)
+try
+{
+    return new CTableMeta(meta);
+}
+catch (const std::bad_alloc&)
+{
+    return nullptr;
+}
+
+osg::ref_ptr<osg::Group> createAutoScaleShpereAndTable(QString name, osg::ref_ptr<osg::Group> scene, osg::Vec3f point,
+                                                       int renderIndex, QString tableNamePrefix,
+                                                       int tableNameIndexSuffix, featureState state, bool isBottom)
+{
+    const auto build = [&]() -> osg::ref_ptr<osg::Node> {
+        CTableMeta::structTableMeta label =
+            detail::labelRecord(point, {renderIndex, tableNamePrefix, tableNameIndexSuffix});
+        label.isBottom = isBottom;
+
+        const osg::ref_ptr<CAutoScaleSphereMeta> dot = new CAutoScaleSphereMeta(dotRecord(point));
+        dot->addTable(namedTable(label));
+        dot->setState(state);
+        return dot;
+    };
+    const osg::ref_ptr<osg::Node> dot = detail::hangFeature(scene, featureDot, name.toStdString(), build);
+    return dot ? dot->asGroup() : nullptr;
+}
+
+osg::ref_ptr<osg::Group> createFlagAutoScaleShpereAndTable(QString name, osg::ref_ptr<osg::Group> scene,
+                                                           osg::Vec3f point, int renderIndex, QString tableNamePrefix,
+                                                           int tableNameIndexSuffix, featureType kind,
+                                                           bool useFlagFontSize, bool)
+{
+    const auto build = [&]() -> osg::ref_ptr<osg::Node> {
+        CTableMeta::structTableMeta label =
+            detail::labelRecord(point, {renderIndex, tableNamePrefix, tableNameIndexSuffix});
+        if (useFlagFontSize) label.fontSize = CFeatureConfig::sigleFeatureConfig()->getFlagTableFontSize();
+
+        const osg::ref_ptr<CFlagAutoScaleSphereMeta> flag = new CFlagAutoScaleSphereMeta(flagRecord(point));
+        flag->addTable(namedTable(label));
+        flag->setState(featureStateSelected);
+        return flag;
+    };
+    const osg::ref_ptr<osg::Node> flag = detail::hangFeature(scene, kind, name.toStdString(), build);
+    return flag ? flag->asGroup() : nullptr;
+}
+
+} // namespace KelvOsgTools

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <osg/Image>
+#include <osg/Vec3f>
+#include <osg/ref_ptr>
+
+#include <string>
+
+namespace kelvtest {
+
+/// Colour of one pixel, red, green and blue from 0 to 255; x to the right, y upwards.
+struct Pixel
+{
+    int r = 0;
+    int g = 0;
+    int b = 0;
+};
+bool operator==(const Pixel& a, const Pixel& b);
+std::ostream& operator<<(std::ostream& stream, const Pixel& pixel);
+
+Pixel pixelAt(const osg::Image& picture, int x, int y);
+
+/// The largest difference of two pixels over their three channels.
+int difference(const Pixel& a, const Pixel& b);
+
+/// The box around all pixels that differ from the background by more than tolerance; empty (width
+/// and height 0) if there is none. Bounds are inclusive.
+struct PixelBox
+{
+    int left = 0;
+    int bottom = 0;
+    int right = -1;
+    int top = -1;
+    int width() const { return right - left + 1; }
+    int height() const { return top - bottom + 1; }
+};
+PixelBox boxOfDifference(const osg::Image& picture, const Pixel& background, int tolerance = 8);
+
+int countPixels(const osg::Image& picture, const Pixel& colour, int tolerance = 8);
+
+/// How much a picture may differ from the stored one.
+struct Tolerance
+{
+    int perChannel = 2;       ///< up to this a pixel counts as equal
+    double share = 0.0;       ///< of all pixels that may count as different
+};
+
+/// Compares a picture with the stored one, tests/ROOM/pictures/NAME.png. A failure keeps the
+/// rendered, the expected and a difference picture in the build folder. With the environment
+/// variable KELVOSGTOOLS_UPDATE_PICTURES set it stores the picture instead: look at it then.
+/// @param path ROOM/NAME
+::testing::AssertionResult matchesStored(const osg::Image& picture, const std::string& path, Tolerance tolerance = {});
+
+/// Compares two pictures of equal size; a failure keeps both and their difference under the name.
+::testing::AssertionResult alike(const osg::Image& picture, const osg::Image& expected, const std::string& name,
+                                 Tolerance tolerance = {});
+
+} // namespace kelvtest

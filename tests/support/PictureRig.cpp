@@ -1,0 +1,80 @@
+#include "support/PictureRig.h"
+
+#include <stdexcept>
+
+namespace kelvtest {
+namespace {
+
+struct ReadPicture : osg::Camera::DrawCallback
+{
+    ReadPicture(osg::Image* target, int width, int height) : m_target(target), m_width(width), m_height(height) {}
+
+    void operator()(osg::RenderInfo&) const override
+    {
+        m_target->readPixels(0, 0, m_width, m_height, GL_RGB, GL_UNSIGNED_BYTE);
+    }
+
+    osg::ref_ptr<osg::Image> m_target;
+    int m_width;
+    int m_height;
+};
+
+osg::ref_ptr<osg::GraphicsContext> pixelBuffer(int width, int height, unsigned int samples)
+{
+    const osg::ref_ptr<osg::GraphicsContext::Traits> traits = new osg::GraphicsContext::Traits;
+    traits->width = width;
+    traits->height = height;
+    traits->red = traits->green = traits->blue = traits->alpha = 8;
+    traits->depth = 24;
+    traits->samples = samples;
+    traits->sampleBuffers = samples > 0 ? 1 : 0;
+    traits->pbuffer = true;
+    traits->doubleBuffer = false;
+    traits->readDISPLAY();
+    osg::ref_ptr<osg::GraphicsContext> context = osg::GraphicsContext::createGraphicsContext(traits);
+    if (!context) throw std::runtime_error("no OpenGL context: picture tests need a display, a virtual one will do");
+    return context;
+}
+
+} // namespace
+
+PictureRig::PictureRig(int width, int height, unsigned int samples)
+    : m_width(width), m_height(height), m_viewer(new osgViewer::Viewer), m_picture(new osg::Image)
+{
+    m_viewer->setThreadingModel(osgViewer::ViewerBase::SingleThreaded);
+    m_viewer->setKeyEventSetsDone(0);
+    m_viewer->setLightingMode(osg::View::HEADLIGHT);
+    osg::Camera& master = camera();
+    master.setGraphicsContext(pixelBuffer(width, height, samples));
+    master.setDrawBuffer(GL_FRONT);
+    master.setReadBuffer(GL_FRONT);
+    master.setViewport(0, 0, width, height);
+    master.setClearColor(osg::Vec4(1.0f, 1.0f, 1.0f, 1.0f));
+    master.setComputeNearFarMode(osg::Camera::DO_NOT_COMPUTE_NEAR_FAR);
+    master.setViewMatrixAsLookAt(osg::Vec3d(0, 0, 100), osg::Vec3d(), osg::Y_AXIS);
+    master.setProjectionMatrixAsOrtho(-width / 2.0, width / 2.0, -height / 2.0, height / 2.0, 1.0, 200.0);
+    master.setFinalDrawCallback(new ReadPicture(m_picture, width, height));
+    m_viewer->realize();
+}
+
+PictureRig::~PictureRig() = default;
+
+void PictureRig::setScene(osg::Node* scene)
+{
+    m_viewer->setSceneData(scene);
+}
+
+void PictureRig::lookInPerspective(const osg::Vec3d& eye, const osg::Vec3d& centre, const osg::Vec3d& up)
+{
+    const double distance = (eye - centre).length();
+    camera().setViewMatrixAsLookAt(eye, centre, up);
+    camera().setProjectionMatrixAsPerspective(30.0, double(m_width) / m_height, distance / 100.0, distance * 100.0);
+}
+
+osg::ref_ptr<osg::Image> PictureRig::render(int frames)
+{
+    for (int i = 0; i < frames; ++i) m_viewer->frame();
+    return new osg::Image(*m_picture, osg::CopyOp::DEEP_COPY_ALL);
+}
+
+} // namespace kelvtest

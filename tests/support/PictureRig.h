@@ -1,0 +1,42 @@
+#pragma once
+
+#include "support/Picture.h"
+
+#include <osg/Image>
+#include <osg/Node>
+#include <osg/ref_ptr>
+#include <osgViewer/Viewer>
+
+namespace kelvtest {
+
+/// Draws scenes in a real GL context, without a window, and hands out the picture.
+///
+/// Background white, single-threaded, no multisampling unless asked for: pictures are the same in
+/// every run. The camera starts as that of pixelViewer(): parallel, a unit is a pixel, the origin
+/// is the middle, z from -100 to 99.
+class PictureRig
+{
+public:
+    explicit PictureRig(int width = 200, int height = 200, unsigned int samples = 0);
+    ~PictureRig();
+
+    osgViewer::Viewer& viewer() { return *m_viewer; }
+    osg::Camera& camera() { return *m_viewer->getCamera(); }
+
+    void setScene(osg::Node* scene);
+
+    /// Sees the scene in perspective, 30 degrees from bottom to top.
+    void lookInPerspective(const osg::Vec3d& eye, const osg::Vec3d& centre, const osg::Vec3d& up);
+
+    /// Draws frames (the first compiles, and auto-scaled nodes need it to know their scale) and gives
+    /// the last one's picture, RGB.
+    osg::ref_ptr<osg::Image> render(int frames = 2);
+
+private:
+    int m_width;
+    int m_height;
+    osg::ref_ptr<osgViewer::Viewer> m_viewer;
+    osg::ref_ptr<osg::Image> m_picture;
+};
+
+} // namespace kelvtest
