@@ -35,21 +35,26 @@ QIcon drawn(const std::function<void(QPainter&)>& draw)
     return icon;
 }
 
+QPolygonF polygon(std::initializer_list<QPointF> points)
+{
+    return QVector<QPointF>(points);
+}
+
 void drawArrow(QPainter& painter, const QColor& colour, double width)
 {
     painter.setPen(QPen(colour, width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     painter.drawLine(QPointF(4, 20), QPointF(18, 6));
     painter.setBrush(colour);
-    painter.drawPolygon(QPolygonF{{20, 4}, {18.5, 10.5}, {13.5, 5.5}});
+    painter.drawPolygon(polygon({{20, 4}, {18.5, 10.5}, {13.5, 5.5}}));
 }
 
 void drawPlane(QPainter& painter)
 {
     painter.setBrush(kFill);
-    painter.drawPolygon(QPolygonF{{2, 17}, {9, 10}, {22, 13}, {15, 20.5}});
+    painter.drawPolygon(polygon({{2, 17}, {9, 10}, {22, 13}, {15, 20.5}}));
     painter.setPen(QPen(kAccent, 2.0, Qt::SolidLine, Qt::RoundCap));
     painter.drawLine(QPointF(12, 15), QPointF(12, 4));
-    painter.drawPolyline(QPolygonF{{9.5, 6.5}, {12, 3.5}, {14.5, 6.5}});
+    painter.drawPolyline(polygon({{9.5, 6.5}, {12, 3.5}, {14.5, 6.5}}));
 }
 
 void drawDot(QPainter& painter)
@@ -66,27 +71,27 @@ void drawDot(QPainter& painter)
 void drawCursor(QPainter& painter)
 {
     painter.setBrush(Qt::white);
-    painter.drawPolygon(QPolygonF{{6, 3}, {6, 18.5}, {10, 15}, {12.8, 21}, {15.4, 19.8}, {12.6, 14}, {17.8, 13.6}});
+    painter.drawPolygon(polygon({{6, 3}, {6, 18.5}, {10, 15}, {12.8, 21}, {15.4, 19.8}, {12.6, 14}, {17.8, 13.6}}));
 }
 
 void drawCube(QPainter& painter)
 {
     painter.setBrush(kFill);
-    painter.drawPolygon(QPolygonF{{12, 2.5}, {20.5, 7}, {20.5, 16.5}, {12, 21.5}, {3.5, 16.5}, {3.5, 7}});
-    painter.drawPolyline(QPolygonF{{3.5, 7}, {12, 11.5}, {20.5, 7}});
+    painter.drawPolygon(polygon({{12, 2.5}, {20.5, 7}, {20.5, 16.5}, {12, 21.5}, {3.5, 16.5}, {3.5, 7}}));
+    painter.drawPolyline(polygon({{3.5, 7}, {12, 11.5}, {20.5, 7}}));
     painter.drawLine(QPointF(12, 11.5), QPointF(12, 21.5));
 }
 
 void drawFolder(QPainter& painter)
 {
     painter.setBrush(QColor(250, 214, 130));
-    painter.drawPolygon(QPolygonF{{2.5, 5}, {9, 5}, {11, 7.5}, {21.5, 7.5}, {21.5, 19.5}, {2.5, 19.5}});
+    painter.drawPolygon(polygon({{2.5, 5}, {9, 5}, {11, 7.5}, {21.5, 7.5}, {21.5, 19.5}, {2.5, 19.5}}));
 }
 
 void drawDisk(QPainter& painter)
 {
     painter.setBrush(kFill);
-    painter.drawPolygon(QPolygonF{{3, 3}, {18, 3}, {21, 6}, {21, 21}, {3, 21}});
+    painter.drawPolygon(polygon({{3, 3}, {18, 3}, {21, 6}, {21, 21}, {3, 21}}));
     painter.setBrush(Qt::white);
     painter.drawRect(QRectF(7, 13, 10, 8));
     painter.drawRect(QRectF(8, 3, 8, 5));
@@ -102,13 +107,13 @@ void drawTurn(QPainter& painter, bool back)
     path.cubicTo(11, 6, 21, 8, 20, 18);
     painter.setPen(QPen(kInk, 2.2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     painter.drawPath(path);
-    painter.drawPolyline(QPolygonF{{9, 4}, {4, 9}, {9.5, 13}});
+    painter.drawPolyline(polygon({{9, 4}, {4, 9}, {9.5, 13}}));
 }
 
 void drawFit(QPainter& painter)
 {
     for (int quarter = 0; quarter < 4; ++quarter) {
-        painter.drawPolyline(QPolygonF{{3, 8}, {3, 3}, {8, 3}});
+        painter.drawPolyline(polygon({{3, 8}, {3, 3}, {8, 3}}));
         painter.translate(24, 0);
         painter.rotate(90);
     }
@@ -119,7 +124,7 @@ void drawFit(QPainter& painter)
 void drawFrustum(QPainter& painter)
 {
     painter.setBrush(kFill);
-    painter.drawPolygon(QPolygonF{{8, 6}, {16, 6}, {22, 20}, {2, 20}});
+    painter.drawPolygon(polygon({{8, 6}, {16, 6}, {22, 20}, {2, 20}}));
     painter.drawLine(QPointF(12, 6), QPointF(12, 20));
     painter.drawLine(QPointF(5.4, 12), QPointF(18.6, 12));
 }

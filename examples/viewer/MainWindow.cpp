@@ -38,7 +38,7 @@ namespace {
 
 constexpr int kRecentFiles = 8;
 constexpr int kMessageMilliseconds = 6000;
-constexpr double kFlyToShare = 0.35; // of the radius around the scene, shown around a feature
+constexpr float kFlyToShare = 0.35f; // of the radius around the scene, shown around a feature
 
 const QString kRecentKey = QStringLiteral("recentFiles");
 const QString kFeatureFilter = QStringLiteral("Features (*.xml);;All files (*)");

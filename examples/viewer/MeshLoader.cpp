@@ -82,7 +82,7 @@ QString reasonFor(const QString& path, const std::string& message)
 LoadedMesh loadMesh(const QString& path, const std::function<bool(double)>& progress)
 {
     LoadedMesh mesh;
-    const osgDB::ReaderWriter::ReadResult result =
+    osgDB::ReaderWriter::ReadResult result =
         osgDB::Registry::instance()->readNode(QFile::encodeName(path).toStdString(), nullptr);
     mesh.node = result.getNode();
     if (!mesh.node) {
