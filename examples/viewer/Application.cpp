@@ -74,10 +74,10 @@ int saveScreenshot(const Arguments& arguments)
         if (!mesh.node) return fail(QStringLiteral("%1: %2").arg(arguments.mesh, mesh.error));
         scene.setMesh(mesh.node);
     }
+    ViewerSettings::load().apply(qApp->devicePixelRatio());
     ViewportWidget viewport(scene);
     viewport.setAttribute(Qt::WA_DontShowOnScreen);
     viewport.setMinimumSize(1, 1);
-    ViewerSettings::load().apply(viewport.devicePixelRatioF());
     QString error;
     if (!arguments.features.isEmpty() && !document.open(arguments.features, error))
         return fail(QStringLiteral("%1: %2").arg(arguments.features, error));

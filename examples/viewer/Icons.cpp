@@ -31,6 +31,7 @@ QIcon drawn(const std::function<void(QPainter&)>& draw)
         draw(painter);
         painter.end();
         icon.addPixmap(pixmap);
+        icon.addPixmap(pixmap, QIcon::Selected); // platforms would tint it
     }
     return icon;
 }

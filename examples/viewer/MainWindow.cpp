@@ -48,6 +48,14 @@ bool isFeatureFile(const QString& path)
     return QFileInfo(path).suffix().compare(QLatin1String("xml"), Qt::CaseInsensitive) == 0;
 }
 
+/// The stored settings, which must be in force before anything is built.
+ViewerSettings appliedSettings(double pixelRatio)
+{
+    const ViewerSettings settings = ViewerSettings::load();
+    settings.apply(pixelRatio);
+    return settings;
+}
+
 osg::Vec3f middleOf(const Feature& feature)
 {
     osg::Vec3f sum;
@@ -58,9 +66,8 @@ osg::Vec3f middleOf(const Feature& feature)
 } // namespace
 
 MainWindow::MainWindow(QWidget* parent)
-    : QMainWindow(parent), m_settings(ViewerSettings::load()), m_viewport(new ViewportWidget(m_scene))
+    : QMainWindow(parent), m_settings(appliedSettings(devicePixelRatioF())), m_viewport(new ViewportWidget(m_scene))
 {
-    m_settings.apply(devicePixelRatioF());
     setCentralWidget(m_viewport);
     setAcceptDrops(true);
     setWindowIcon(iconOf(Symbol::Program));
@@ -111,7 +118,7 @@ void MainWindow::buildList()
     m_list->verticalHeader()->setDefaultSectionSize(m_list->fontMetrics().height() + 8);
     m_list->horizontalHeader()->setHighlightSections(false);
     m_list->horizontalHeader()->setStretchLastSection(true);
-    const QVector<int> widths{70, 70, 90, 200};
+    const QVector<int> widths{70, 72, 80, 118};
     for (int column = 0; column < widths.size(); ++column) m_list->setColumnWidth(column, widths[column]);
     m_list->setToolTip(tr("Double-click to fly to a feature, F2 to rename its label"));
 
@@ -119,7 +126,7 @@ void MainWindow::buildList()
     dock->setObjectName(QStringLiteral("features"));
     dock->setWidget(m_list);
     addDockWidget(Qt::RightDockWidgetArea, dock);
-    resizeDocks({dock}, {420}, Qt::Horizontal);
+    resizeDocks({dock}, {470}, Qt::Horizontal);
 
     connect(m_list, &QTableView::doubleClicked, this, &MainWindow::flyToSelected);
     connect(m_list->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] {

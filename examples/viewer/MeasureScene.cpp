@@ -5,8 +5,10 @@
 #include <KelvOsgTools/FeatureFunctions.h>
 #include <KelvOsgTools/NodeVisitors.h>
 
+#include <osg/ComputeBoundsVisitor>
 #include <osg/LightModel>
 #include <osg/Material>
+#include <osg/PolygonOffset>
 #include <osg/ValueObject>
 
 #include <algorithm>
@@ -56,6 +58,8 @@ void setMeshLook(osg::StateSet& state)
     state.setAttributeAndModes(light);
     state.setMode(GL_NORMALIZE, osg::StateAttribute::ON);
     state.setRenderBinDetails(kMeshBin, "RenderBin");
+    // Planes are often laid on flat faces of the mesh: there they are to be seen.
+    state.setAttributeAndModes(new osg::PolygonOffset(1.0f, 1.0f));
 }
 
 /// The length of `normal` that makes the arrows a fifth of the longer edge, as the library does for
@@ -223,6 +227,16 @@ osg::BoundingSphere MeasureScene::bound() const
     for (const Feature& feature : m_shown)
         for (const osg::Vec3f& point : feature.points) bound.expandBy(osg::Vec3d(point) * matrix());
     return bound;
+}
+
+osg::BoundingBox MeasureScene::box() const
+{
+    osg::ComputeBoundsVisitor visitor;
+    m_transform->accept(visitor);
+    osg::BoundingBox box = visitor.getBoundingBox();
+    for (const Feature& feature : m_shown)
+        for (const osg::Vec3f& point : feature.points) box.expandBy(osg::Vec3d(point) * matrix());
+    return box;
 }
 
 float MeasureScene::solidArrowRadius() const

@@ -2,6 +2,7 @@
 
 #include "Feature.h"
 
+#include <osg/BoundingBox>
 #include <osg/BoundingSphere>
 #include <osg/Group>
 #include <osg/MatrixTransform>
@@ -52,9 +53,12 @@ public:
     /// Translates the labels anew, flags included.
     void updateLanguage();
 
-    /// Around mesh and features, in world coordinates; not valid in an empty scene. Dots and labels
-    /// count as points: their extent depends on the camera.
+    /// @name What mesh and features take up, in world coordinates; not valid in an empty scene
+    /// Dots and labels count as points: their extent depends on the camera.
+    /// @{
     osg::BoundingSphere bound() const;
+    osg::BoundingBox box() const;
+    /// @}
 
     /// A shaft radius that suits the size of the mesh.
     float solidArrowRadius() const;

@@ -18,6 +18,8 @@ namespace viewer {
 
 namespace {
 
+const osg::Vec4f kPlainColour(0.60f, 0.65f, 0.71f, 1.0f); // of meshes that bring none
+
 QString translated(const char* text)
 {
     return QCoreApplication::translate("MeshLoader", text);
@@ -60,6 +62,11 @@ std::vector<osg::ref_ptr<osg::Geometry>> geometriesOf(osg::Node& node)
 unsigned int prepare(osg::Geometry& geometry, osg::KdTreeBuilder& builder)
 {
     if (!geometry.getNormalArray()) osgUtil::SmoothingVisitor::smooth(geometry);
+    if (!geometry.getColorArray()) {
+        const osg::ref_ptr<osg::Vec4Array> colour = new osg::Vec4Array;
+        colour->push_back(kPlainColour);
+        geometry.setColorArray(colour, osg::Array::BIND_OVERALL);
+    }
     geometry.setUseDisplayList(false);
     geometry.setUseVertexBufferObjects(true);
     geometry.accept(builder);

@@ -11,7 +11,8 @@ namespace viewer {
 namespace {
 
 constexpr double kFieldOfViewDegrees = 30.0; // from bottom to top
-constexpr double kFitMargin = 1.08;
+constexpr double kFitMargin = 1.12;
+constexpr unsigned int kCornersOfBox = 8;
 constexpr double kDepthMargin = 1.5; // of the scene's radius: arrows of planes reach beyond it
 constexpr double kNearShare = 0.01;  // of the distance to the centre; keeps depth precise
 
@@ -20,10 +21,17 @@ const double kSinHalfField = std::sin(osg::DegreesToRadians(kFieldOfViewDegrees)
 
 } // namespace
 
-void OrbitCamera::fit(const osg::BoundingSphere& bound)
+void OrbitCamera::fit(const osg::BoundingBox& box, double aspect)
 {
-    if (!bound.valid()) return;
-    flyTo(bound.center(), bound.radius() > 0.0f ? bound.radius() : 1.0);
+    if (!box.valid()) return;
+    m_centre = box.center();
+    m_distance = 0.0;
+    for (unsigned int i = 0; i < kCornersOfBox; ++i) {
+        const osg::Vec3d corner = m_rotation.inverse() * (osg::Vec3d(box.corner(i)) - m_centre);
+        const double halfHeightNeeded = std::max(std::abs(corner.y()), std::abs(corner.x()) / aspect) * kFitMargin;
+        m_distance = std::max(m_distance, halfHeightNeeded / kTanHalfField + std::max(corner.z(), 0.0));
+    }
+    if (m_distance == 0.0) m_distance = 1.0; // a single point
 }
 
 void OrbitCamera::lookFrom(Direction direction)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <osg/BoundingBox>
 #include <osg/BoundingSphere>
 #include <osg/Camera>
 #include <osg/Quat>
@@ -22,8 +23,9 @@ public:
         Isometric
     };
 
-    /// Shows the whole sphere; an empty one changes nothing.
-    void fit(const osg::BoundingSphere& bound);
+    /// Shows the whole box as large as the window allows; an empty one changes nothing.
+    /// @param aspect width of the window by its height
+    void fit(const osg::BoundingBox& box, double aspect);
 
     /// Looks at the centre from a standard direction: z is up, the front faces -y.
     void lookFrom(Direction direction);

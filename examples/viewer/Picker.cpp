@@ -6,8 +6,6 @@
 #include <KelvOsgTools/CFeatureMetaObject.h>
 #include <KelvOsgTools/FeatureFunctions.h>
 
-#include <QVariant>
-
 namespace viewer {
 
 using namespace KelvOsgTools;
@@ -15,6 +13,7 @@ using namespace KelvOsgTools;
 namespace {
 
 constexpr char kMeshName[] = "meshData";
+constexpr float kCoplanarShare = 1e-3f; // of the radius around the scene
 
 /// Only what is visible may be listed: a listed label is hit even while its feature is hidden.
 QList<QVariant> visibleFeatures(FeatureDocument& document, featureType kind)
@@ -48,26 +47,42 @@ private:
 
 QString Picker::featureAt(const osg::Vec2d& position)
 {
-    const QString hit = pick(position, featureAll, true);
-    if (!hit.isEmpty()) return hit;
-
-    // Thin arrows are drawn over the mesh, so they can be hit through it.
-    HiddenMesh withoutMesh(m_document.scene());
-    const QString line = pick(position, featureLine, false);
-    const int row = m_document.rowOf(line);
-    return row >= 0 && m_document.features()[std::size_t(row)].isLineArrow ? line : QString();
+    QString name = pick(position, featureAll, visibleFeatures(m_document, featureAll)).name;
+    // What is drawn over the mesh although it does not lie before it:
+    if (name.isEmpty()) name = lineOverMesh(position);
+    if (name.isEmpty()) name = planeOnMesh(position);
+    return name;
 }
 
-QString Picker::pick(const osg::Vec2d& position, featureType wanted, bool labelsToo)
+Picker::Hit Picker::pick(const osg::Vec2d& position, featureType wanted, const QList<QVariant>& labelled)
 {
-    osg::Vec3f point;
+    Hit hit;
     CFeatureMetaObject* feature = nullptr;
     featureType kind = featureAll;
     std::vector<osg::Vec3f> points;
-    const QList<QVariant> labelled = labelsToo ? visibleFeatures(m_document, wanted) : QList<QVariant>();
-    const bool hit = getIntersectionToFeatureBranch(&m_viewer, labelled, float(position.x()), float(position.y()),
-                                                    wanted, point, feature, kind, points);
-    return hit && feature ? QString::fromStdString(feature->getName()) : QString();
+    if (getIntersectionToFeatureBranch(&m_viewer, labelled, float(position.x()), float(position.y()), wanted, hit.point,
+                                       feature, kind, points) &&
+        feature)
+        hit.name = QString::fromStdString(feature->getName());
+    return hit;
+}
+
+QString Picker::lineOverMesh(const osg::Vec2d& position)
+{
+    const HiddenMesh hidden(m_document.scene());
+    const QString name = pick(position, featureLine, {}).name;
+    const int row = m_document.rowOf(name);
+    return row >= 0 && m_document.features()[std::size_t(row)].isLineArrow ? name : QString();
+}
+
+QString Picker::planeOnMesh(const osg::Vec2d& position)
+{
+    const std::optional<osg::Vec3f> meshPoint = meshPointAt(position);
+    if (!meshPoint) return {};
+    const HiddenMesh hidden(m_document.scene());
+    const Hit hit = pick(position, featurePlane, {});
+    const float tolerance = kCoplanarShare * float(m_document.scene().bound().radius());
+    return (hit.point - *meshPoint).length() < tolerance ? hit.name : QString();
 }
 
 std::optional<osg::Vec3f> Picker::meshPointAt(const osg::Vec2d& position)

@@ -6,7 +6,9 @@
 #include <osg/Vec3f>
 #include <osgViewer/Viewer>
 
+#include <QList>
 #include <QString>
+#include <QVariant>
 
 #include <optional>
 
@@ -29,7 +31,15 @@ public:
     std::optional<osg::Vec3f> meshOrDotPointAt(const osg::Vec2d& position);
 
 private:
-    QString pick(const osg::Vec2d& position, KelvOsgTools::featureType kind, bool labelsToo);
+    struct Hit
+    {
+        QString name;
+        osg::Vec3f point; ///< in the coordinates of the drawable
+    };
+
+    Hit pick(const osg::Vec2d& position, KelvOsgTools::featureType wanted, const QList<QVariant>& labelled);
+    QString lineOverMesh(const osg::Vec2d& position);
+    QString planeOnMesh(const osg::Vec2d& position);
 
     osgViewer::Viewer& m_viewer;
     FeatureDocument& m_document;

@@ -6,6 +6,8 @@
 
 #include <QApplication>
 #include <QMouseEvent>
+#include <QOpenGLContext>
+#include <QOpenGLFunctions>
 
 #include <cmath>
 
@@ -15,6 +17,28 @@ namespace {
 
 constexpr double kZoomPerNotch = 0.85;
 constexpr double kAngleOfNotch = 120.0; // in the unit of wheel events
+
+/// From above the eye's left shoulder: surfaces that face the eye differ more than in light from it.
+void setUpLight(osgViewer::Viewer& viewer)
+{
+    osg::Light& light = *viewer.getLight();
+    light.setPosition(osg::Vec4(-0.55f, 0.45f, 1.0f, 0.0f));
+    light.setAmbient(osg::Vec4(0.25f, 0.25f, 0.27f, 1.0f));
+    light.setDiffuse(osg::Vec4(0.80f, 0.80f, 0.78f, 1.0f));
+    light.setSpecular(osg::Vec4(0.9f, 0.9f, 0.9f, 1.0f));
+}
+
+/// Translucent features leave their alpha in the frame; composed with the window it must be opaque.
+void makeOpaque(QOpenGLFunctions& gl)
+{
+    const bool isScissored = gl.glIsEnabled(GL_SCISSOR_TEST);
+    gl.glDisable(GL_SCISSOR_TEST);
+    gl.glColorMask(GL_FALSE, GL_FALSE, GL_FALSE, GL_TRUE);
+    gl.glClearColor(0.0f, 0.0f, 0.0f, 1.0f);
+    gl.glClear(GL_COLOR_BUFFER_BIT);
+    gl.glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
+    if (isScissored) gl.glEnable(GL_SCISSOR_TEST); // as the viewer left it
+}
 
 } // namespace
 
@@ -29,6 +53,7 @@ ViewportWidget::ViewportWidget(MeasureScene& scene, QWidget* parent) : QOpenGLWi
     m_viewer->getCamera()->setComputeNearFarMode(osg::Camera::DO_NOT_COMPUTE_NEAR_FAR);
     m_viewer->getCamera()->setProjectionResizePolicy(osg::Camera::FIXED);
     m_viewer->setSceneData(scene.root());
+    setUpLight(*m_viewer);
     m_decor.emplace(*m_viewer);
 
     osgGA::GUIEventAdapter& state = *m_viewer->getEventQueue()->getCurrentEventState();
@@ -60,7 +85,7 @@ QPointF ViewportWidget::widgetPosition(const osg::Vec3d& point) const
 
 void ViewportWidget::fit()
 {
-    m_camera.fit(m_scene.bound());
+    m_camera.fit(m_scene.box(), double(width()) / height());
     cameraChanged();
 }
 
@@ -104,6 +129,7 @@ void ViewportWidget::paintGL()
 {
     m_window->setDefaultFboId(defaultFramebufferObject());
     m_viewer->frame();
+    makeOpaque(*context()->functions());
     if (m_framesOwed > 0) {
         --m_framesOwed;
         update();
