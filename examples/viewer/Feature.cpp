@@ -14,6 +14,18 @@ namespace {
 
 constexpr int kSignificantDigits = 6;
 
+constexpr int kDecimalsOfDirection = 4;
+
+QString directionText(const osg::Vec3f& direction)
+{
+    QStringList texts;
+    for (int i = 0; i < 3; ++i) {
+        const QString text = QString::number(direction[i], 'f', kDecimalsOfDirection);
+        texts << (text == QLatin1String("-0.0000") ? text.mid(1) : text);
+    }
+    return texts.join(QStringLiteral(", "));
+}
+
 QString number(float value)
 {
     return QString::number(value, 'g', kSignificantDigits);
@@ -76,7 +88,7 @@ QString measureText(const Feature& feature)
     case featureLine:
         return number((feature.points.at(1) - feature.points.at(0)).length());
     case featurePlane:
-        return coordinatesText(normalOf(feature.points));
+        return directionText(normalOf(feature.points));
     default:
         return {};
     }
@@ -99,6 +111,13 @@ std::vector<osg::Vec3f> pointsFromClicks(featureType kind, const std::vector<osg
     std::vector<osg::Vec3f> points = clicks;
     if (kind == featurePlane) points.push_back(clicks.at(0) + clicks.at(2) - clicks.at(1));
     return points;
+}
+
+osg::Vec3f middleOf(const Feature& feature)
+{
+    osg::Vec3f sum;
+    for (const osg::Vec3f& point : feature.points) sum += point;
+    return sum / float(feature.points.size());
 }
 
 osg::Vec3f normalOf(const std::vector<osg::Vec3f>& points)

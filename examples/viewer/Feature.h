@@ -48,6 +48,9 @@ std::size_t clicksFor(KelvOsgTools::featureType kind);
 /// The points of a feature from its clicks: a plane gets the fourth corner of the parallelogram.
 std::vector<osg::Vec3f> pointsFromClicks(KelvOsgTools::featureType kind, const std::vector<osg::Vec3f>& clicks);
 
+/// The mean of the points, where the label is.
+osg::Vec3f middleOf(const Feature& feature);
+
 /// Unit normal of the plane through the first three points; zero if they lie on one line.
 osg::Vec3f normalOf(const std::vector<osg::Vec3f>& points);
 

@@ -40,10 +40,10 @@ QVariant FeatureListModel::data(const QModelIndex& index, int role) const
         return kindName(feature.kind);
     case Label:
         return labelText(feature);
-    case Coordinates:
-        return coordinatesText(feature);
-    default:
+    case Measure:
         return measureText(feature);
+    default:
+        return coordinatesText(feature);
     }
 }
 
@@ -58,10 +58,10 @@ QVariant FeatureListModel::headerData(int section, Qt::Orientation orientation, 
         return tr("Kind");
     case Label:
         return tr("Label");
-    case Coordinates:
-        return tr("Coordinates");
-    default:
+    case Measure:
         return tr("Length / Normal");
+    default:
+        return tr("Coordinates");
     }
 }
 

@@ -16,8 +16,8 @@ public:
         Name,
         Kind,
         Label,
-        Coordinates,
         Measure,
+        Coordinates,
         ColumnCount
     };
 

@@ -56,13 +56,6 @@ ViewerSettings appliedSettings(double pixelRatio)
     return settings;
 }
 
-osg::Vec3f middleOf(const Feature& feature)
-{
-    osg::Vec3f sum;
-    for (const osg::Vec3f& point : feature.points) sum += point;
-    return sum / float(feature.points.size());
-}
-
 } // namespace
 
 MainWindow::MainWindow(QWidget* parent)

@@ -15,13 +15,18 @@ namespace {
 constexpr char kMeshName[] = "meshData";
 constexpr float kCoplanarShare = 1e-3f; // of the radius around the scene
 
-/// Only what is visible may be listed: a listed label is hit even while its feature is hidden.
-QList<QVariant> visibleFeatures(FeatureDocument& document, featureType kind)
+/// Lists what may be hit by its label. What is hidden may not, nor what lies behind the eye: labels
+/// are told by where their anchor is projected to, and that is somewhere in the window, too.
+QList<QVariant> labelledFeatures(const osg::Camera& camera, FeatureDocument& document, featureType kind)
 {
+    const osg::Matrixd toClip = document.scene().matrix() * camera.getViewMatrix() * camera.getProjectionMatrix();
     QList<QVariant> list;
-    for (const Feature& feature : document.features())
-        if (document.scene().isKindVisible(feature.kind) && (kind == featureAll || kind == feature.kind))
+    for (const Feature& feature : document.features()) {
+        const bool isWanted = kind == featureAll || kind == feature.kind;
+        const bool isBeforeEye = (osg::Vec4d(middleOf(feature), 1.0) * toClip).w() > 0.0;
+        if (isWanted && isBeforeEye && document.scene().isKindVisible(feature.kind))
             list << QVariantMap{{QStringLiteral("feature_uid"), feature.name}};
+    }
     return list;
 }
 
@@ -47,7 +52,7 @@ private:
 
 QString Picker::featureAt(const osg::Vec2d& position)
 {
-    QString name = pick(position, featureAll, visibleFeatures(m_document, featureAll)).name;
+    QString name = pick(position, featureAll, labelledFeatures(*m_viewer.getCamera(), m_document, featureAll)).name;
     // What is drawn over the mesh although it does not lie before it:
     if (name.isEmpty()) name = lineOverMesh(position);
     if (name.isEmpty()) name = planeOnMesh(position);
@@ -97,8 +102,9 @@ std::optional<osg::Vec3f> Picker::meshOrDotPointAt(const osg::Vec2d& position)
 {
     osg::Vec3f point;
     CAutoScaleSphereMeta* dot = nullptr;
-    if (!getClickedPointToMeshDataAndDotFeature(&m_viewer, visibleFeatures(m_document, featureDot), float(position.x()),
-                                                float(position.y()), point, dot, kMeshName))
+    if (!getClickedPointToMeshDataAndDotFeature(&m_viewer,
+                                                labelledFeatures(*m_viewer.getCamera(), m_document, featureDot),
+                                                float(position.x()), float(position.y()), point, dot, kMeshName))
         return std::nullopt;
     return point;
 }
