@@ -14,14 +14,14 @@ namespace {
 
 constexpr int kSignificantDigits = 6;
 
-constexpr int kDecimalsOfDirection = 4;
+constexpr int kDecimalsOfDirection = 3;
 
 QString directionText(const osg::Vec3f& direction)
 {
     QStringList texts;
     for (int i = 0; i < 3; ++i) {
         const QString text = QString::number(direction[i], 'f', kDecimalsOfDirection);
-        texts << (text == QLatin1String("-0.0000") ? text.mid(1) : text);
+        texts << (text == QLatin1String("-0.000") ? text.mid(1) : text);
     }
     return texts.join(QStringLiteral(", "));
 }

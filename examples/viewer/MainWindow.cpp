@@ -111,7 +111,7 @@ void MainWindow::buildList()
     m_list->verticalHeader()->setDefaultSectionSize(m_list->fontMetrics().height() + 8);
     m_list->horizontalHeader()->setHighlightSections(false);
     m_list->horizontalHeader()->setStretchLastSection(true);
-    const QVector<int> widths{70, 72, 80, 118};
+    const QVector<int> widths{70, 72, 80, 124};
     for (int column = 0; column < widths.size(); ++column) m_list->setColumnWidth(column, widths[column]);
     m_list->setToolTip(tr("Double-click to fly to a feature, F2 to rename its label"));
 

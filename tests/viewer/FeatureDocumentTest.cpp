@@ -299,7 +299,7 @@ TEST_F(FeatureDocumentTest, TheListShowsAndRenamesItsFeatures)
     createOneOfEach();
     ASSERT_EQ(list.rowCount(), 3);
     EXPECT_EQ(list.index(1, FeatureListModel::Measure).data().toString(), "5");
-    EXPECT_EQ(list.index(2, FeatureListModel::Measure).data().toString(), "0.0000, 0.0000, 1.0000");
+    EXPECT_EQ(list.index(2, FeatureListModel::Measure).data().toString(), "0.000, 0.000, 1.000");
     EXPECT_EQ(list.index(0, FeatureListModel::Coordinates).data().toString(), "1, 2, 3");
     EXPECT_TRUE(editable.setData(editable.index(0, FeatureListModel::Label), "Datum", Qt::EditRole));
     EXPECT_EQ(list.index(0, FeatureListModel::Label).data().toString(), "Datum");

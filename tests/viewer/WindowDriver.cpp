@@ -3,6 +3,7 @@
 #include "ViewportWidget.h"
 
 #include <QApplication>
+#include <QMouseEvent>
 #include <QSignalSpy>
 #include <QTest>
 #include <QWheelEvent>
@@ -44,7 +45,10 @@ QPoint WindowDriver::positionOf(const osg::Vec3d& point)
 
 void WindowDriver::moveTo(const QPoint& position)
 {
-    QTest::mouseMove(&viewport(), position);
+    // QTest would move the cursor of the screen, which ends before a window at two pixels per pixel does.
+    QMouseEvent move(QEvent::MouseMove, position, viewport().mapToGlobal(position), Qt::NoButton, Qt::NoButton,
+                     Qt::NoModifier);
+    QApplication::sendEvent(&viewport(), &move);
     QTest::qWait(0);
 }
 
