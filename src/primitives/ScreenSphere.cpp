@@ -1,7 +1,7 @@
 #include "primitives/ScreenSphere.h"
 
 #include "foundation/Finite.h"
-#include "primitives/ShapeBuilder.h"
+#include "primitives/SphereDrawable.h"
 
 #include <osg/GL>
 #include <osg/Geode>
@@ -13,13 +13,20 @@ namespace KelvOsgTools::detail {
 osg::ref_ptr<osg::ShapeDrawable> makeSphere(float radius, float detailRatio, const osg::Vec4f& color,
                                             const std::string& name)
 {
-    return ShapeBuilder(detailRatio).build(new osg::Sphere(osg::Vec3f(), radius), color, name);
+    osg::ref_ptr<osg::ShapeDrawable> drawable = new SphereDrawable(radius, detailRatio);
+    drawable->setColor(color);
+    drawable->setName(name);
+    return drawable;
 }
 
 void resizeSphere(osg::ShapeDrawable& drawable, float radius)
 {
     auto* const sphere = dynamic_cast<osg::Sphere*>(drawable.getShape());
     if (!sphere) return;
+    if (auto* const shared = dynamic_cast<SphereDrawable*>(&drawable)) {
+        shared->resize(*sphere, radius);
+        return;
+    }
     sphere->setRadius(radius);
     drawable.build();
 }
