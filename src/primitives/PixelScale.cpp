@@ -37,4 +37,37 @@ double pixelCorrection(const osg::AutoTransform& transform, const osg::NodeVisit
     return std::isfinite(correction) ? correction : 1.0;
 }
 
+PixelTransform::PixelTransform(const PixelTransform& other, const osg::CopyOp& copyop)
+    : osg::AutoTransform(other, copyop)
+{}
+
+osg::Object* PixelTransform::cloneType() const
+{
+    return new PixelTransform;
+}
+
+osg::Object* PixelTransform::clone(const osg::CopyOp& copyop) const
+{
+    return new PixelTransform(*this, copyop);
+}
+
+bool PixelTransform::computeLocalToWorldMatrix(osg::Matrix& matrix, osg::NodeVisitor* visitor) const
+{
+    osg::AutoTransform::computeLocalToWorldMatrix(matrix, visitor);
+    const double correction = pixelCorrection(*this, visitor);
+    matrix.preMultScale(osg::Vec3d(correction, correction, correction));
+    _scale *= correction; // which stays for the visitors that follow, until the next cull
+    return true;
+}
+
+bool PixelTransform::computeWorldToLocalMatrix(osg::Matrix& matrix, osg::NodeVisitor* visitor) const
+{
+    osg::AutoTransform::computeWorldToLocalMatrix(matrix, visitor);
+    const double correction = pixelCorrection(*this, visitor);
+    const double inverse = 1.0 / correction;
+    matrix.postMultScale(osg::Vec3d(inverse, inverse, inverse));
+    _scale *= correction;
+    return true;
+}
+
 } // namespace KelvOsgTools::detail

@@ -126,30 +126,15 @@ INSTANTIATE_TEST_SUITE_P(Views, LabelSeenFrom,
 
 TEST_F(LabelPicture, TransformsBackWhatItTransforms)
 {
-    struct Compare : osg::NodeCallback
-    {
-        void operator()(osg::Node* node, osg::NodeVisitor* visitor) override
-        {
-            osg::Matrixd there;
-            osg::Matrixd back;
-            node->asTransform()->computeLocalToWorldMatrix(there, visitor);
-            node->asTransform()->computeWorldToLocalMatrix(back, visitor);
-            const osg::Vec3d moved = osg::Vec3d(10, 20, 0) * there;
-            distance = (moved * back - osg::Vec3d(10, 20, 0)).length();
-            length = (moved - osg::Vec3d() * there).length();
-        }
-        double distance = -1.0;
-        double length = -1.0;
-    };
-    const osg::ref_ptr<Compare> compare = new Compare;
+    const osg::ref_ptr<ThereAndBack> compare = new ThereAndBack;
     const osg::ref_ptr<CTableMeta> label = new CTableMeta(blueOnYellow("Label"));
     label->setCullCallback(compare);
     PictureRig rig;
     rig.setScene(groupOf({label}));
     rig.render();
 
-    EXPECT_NEAR(compare->distance, 0.0, 1e-6);
-    EXPECT_NEAR(compare->length, osg::Vec3d(10, 20, 0).length(), 1e-4); // a unit is a pixel
+    EXPECT_NEAR((compare->moved - compare->point).length(), 0.0, 1e-4); // a unit is a pixel
+    EXPECT_NEAR((compare->returned - compare->point).length(), 0.0, 1e-6);
     EXPECT_NEAR(label->getScale().x(), 1.0, 1e-6);
 }
 

@@ -50,11 +50,18 @@ osg::ref_ptr<osg::GraphicsContext> pixelBuffer(int width, int height, unsigned i
     return createPatiently(traits);
 }
 
+/// Keeps the display from starting anew between two rigs of a program.
+void stayAClient()
+{
+    static const osg::ref_ptr<osg::GraphicsContext> client = pixelBuffer(1, 1, 0);
+}
+
 } // namespace
 
 PictureRig::PictureRig(int width, int height, unsigned int samples)
     : m_width(width), m_height(height), m_viewer(new osgViewer::Viewer), m_picture(new osg::Image)
 {
+    stayAClient();
     m_viewer->setThreadingModel(osgViewer::ViewerBase::SingleThreaded);
     m_viewer->setKeyEventSetsDone(0);
     m_viewer->setLightingMode(osg::View::HEADLIGHT);

@@ -10,6 +10,8 @@
 
 #include <osg/Group>
 #include <osg/Node>
+#include <osg/NodeCallback>
+#include <osg/Transform>
 #include <osg/Vec3f>
 #include <osg/Vec4f>
 #include <osg/ref_ptr>
@@ -46,6 +48,24 @@ osg::ref_ptr<osg::Node> unlitRectangle(const Rectangle& rectangle, const osg::Ve
 
 /// The colour that an unlit surface is drawn in.
 Pixel drawnAs(const osg::Vec4f& colour);
+
+/// Where a point goes, and whence it comes back, while the node is culled.
+struct ThereAndBack : osg::NodeCallback
+{
+    void operator()(osg::Node* node, osg::NodeVisitor* visitor) override
+    {
+        osg::Matrixd there;
+        osg::Matrixd back;
+        node->asTransform()->computeLocalToWorldMatrix(there, visitor);
+        node->asTransform()->computeWorldToLocalMatrix(back, visitor);
+        moved = point * there;
+        returned = moved * back;
+    }
+
+    osg::Vec3d point{10, 20, 0};
+    osg::Vec3d moved;
+    osg::Vec3d returned;
+};
 
 /// A label in colours that are easy to tell apart in a picture: blue text and outline on yellow.
 KelvOsgTools::CTableMeta::structTableMeta blueOnYellow(const QString& text, int fontSize = 14);
