@@ -9,6 +9,7 @@
 #include "primitives/Colours.h"
 #include "primitives/FlatGeometry.h"
 #include "primitives/LabelGlyphs.h"
+#include "primitives/PixelScale.h"
 #include "primitives/ScreenSphere.h"
 
 #include <osg/GL>
@@ -149,6 +150,25 @@ void CTableMeta::setState(featureState state)
     if (state == m_state) return;
     m_state = state;
     updateState(state);
+}
+
+bool CTableMeta::computeLocalToWorldMatrix(osg::Matrix& matrix, osg::NodeVisitor* visitor) const
+{
+    osg::AutoTransform::computeLocalToWorldMatrix(matrix, visitor);
+    const double correction = detail::pixelCorrection(*this, visitor); // the hit test counts in pixels
+    matrix.preMultScale(osg::Vec3d(correction, correction, correction));
+    _scale *= correction; // which stays for the visitors that follow, until the next cull
+    return true;
+}
+
+bool CTableMeta::computeWorldToLocalMatrix(osg::Matrix& matrix, osg::NodeVisitor* visitor) const
+{
+    osg::AutoTransform::computeWorldToLocalMatrix(matrix, visitor);
+    const double correction = detail::pixelCorrection(*this, visitor);
+    const double inverse = 1.0 / correction;
+    matrix.postMultScale(osg::Vec3d(inverse, inverse, inverse));
+    _scale *= correction;
+    return true;
 }
 
 void CTableMeta::init()

@@ -1,6 +1,8 @@
 #include "primitives/ScreenSphere.h"
 
 #include "foundation/Finite.h"
+
+#include "primitives/PixelScale.h"
 #include "primitives/SphereDrawable.h"
 
 #include <osg/GL>
@@ -38,7 +40,7 @@ osg::ref_ptr<osg::AutoTransform> screenSized(osg::Drawable* drawable, const osg:
     geode->addDrawable(drawable);
     geode->getOrCreateStateSet()->setMode(GL_RESCALE_NORMAL, osg::StateAttribute::ON);
 
-    osg::ref_ptr<osg::AutoTransform> transform = new osg::AutoTransform;
+    osg::ref_ptr<osg::AutoTransform> transform = new PixelTransform;
     transform->addChild(geode);
     transform->setAutoRotateMode(rotation);
     keepScreenSize(*transform);
