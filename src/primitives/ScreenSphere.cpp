@@ -1,7 +1,6 @@
 #include "primitives/ScreenSphere.h"
 
 #include "foundation/Finite.h"
-
 #include "primitives/PixelScale.h"
 #include "primitives/SphereDrawable.h"
 

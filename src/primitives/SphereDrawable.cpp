@@ -30,12 +30,21 @@ struct CollectTriangles
     std::vector<unsigned int> indices;
 };
 
+constexpr float kMinCapRadius = 2.5f;  // pixels; below, a pixel shows how single facets are rasterized
 constexpr float kMaxCapRadius = 12.0f; // pixels; beyond, the facets of the full outline show
 constexpr float kMinCapRatio = 2.5f;   // below, the full tessellation is light, and its facets show
-constexpr unsigned int kOutlineSegments = 120;
-// Segments of the rings between pole and outline. Neighbours are no farther apart than the rings, which
-// keeps the shade within 2/255 of that of the full tessellation.
-constexpr std::array<unsigned int, 7> kRingSegments = {7, 13, 18, 23, 27, 30, 32};
+
+/// A circle of vertices around the pole.
+struct Ring
+{
+    double fromOutline; ///< angle to the outline, seen from the centre
+    unsigned int segments;
+};
+
+// Towards the outline the shade falls ever steeper, so that rings lie the closer and need the more
+// segments: thus no pixel differs from the full tessellation by more than 2/255 of a headlight.
+constexpr std::array<Ring, 9> kRings = {
+    {{1.40, 6}, {1.09, 14}, {0.819, 24}, {0.585, 29}, {0.390, 36}, {0.234, 46}, {0.117, 66}, {0.039, 120}, {0.0, 120}}};
 
 /// Collects rings of vertices on a unit sphere, from the pole outwards, and the triangles between them.
 class CapBuilder
@@ -64,6 +73,8 @@ public:
         geometry->setVertexArray(vertices);
         geometry->setNormalArray(m_normals);
         geometry->addPrimitiveSet(triangleSet(m_indices, vertices->size()));
+        geometry->setUseDisplayList(false);
+        geometry->setUseVertexBufferObjects(true);
         return geometry;
     }
 
@@ -95,13 +106,7 @@ private:
 osg::ref_ptr<osg::Geometry> makeCap(float radius)
 {
     CapBuilder builder;
-    const double step = osg::PI_2 / (kRingSegments.size() + 1);
-    double polar = step;
-    for (const unsigned int segments : kRingSegments) {
-        builder.addRing(polar, segments);
-        polar += step;
-    }
-    builder.addRing(osg::PI_2, kOutlineSegments);
+    for (const Ring& ring : kRings) builder.addRing(osg::PI_2 - ring.fromOutline, ring.segments);
     return builder.build(radius);
 }
 
@@ -128,7 +133,7 @@ SphereMesh::SphereMesh(float meshRadius, float meshRatio) : radius(meshRadius), 
     normals = full->getNormalArray();
     triangles = triangleSet(collect.indices, vertices->getNumElements());
     box = full->getBoundingBox();
-    if (radius > 0.0f && radius <= kMaxCapRadius && detailRatio >= kMinCapRatio) cap = makeCap(radius);
+    if (radius >= kMinCapRadius && radius <= kMaxCapRadius && detailRatio >= kMinCapRatio) cap = makeCap(radius);
 }
 
 SphereMesh::~SphereMesh() = default;
@@ -151,6 +156,8 @@ SphereDrawable::SphereDrawable(float radius, float detailRatio) : m_detailRatio(
     _tessellationHints = new osg::TessellationHints;
     _tessellationHints->setDetailRatio(detailRatio);
     setDataVariance(osg::Object::DYNAMIC); // states recolour it while frames are drawn
+    setSupportsDisplayList(false);         // each frame may turn the cap another way
+    setUseVertexBufferObjects(true);       // which equals share
     use(SphereMesh::shared(radius, detailRatio));
 }
 
