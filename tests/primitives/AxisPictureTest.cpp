@@ -19,10 +19,13 @@
 #include <osg/ShapeDrawable>
 #include <osg/State>
 #include <osg/Uniform>
+#include <osgDB/Registry>
 
 #include <cstring>
 #include <functional>
+#include <ostream>
 #include <string>
+#include <vector>
 
 namespace {
 using namespace KelvOsgTools;
@@ -85,6 +88,11 @@ struct Direction
     const char* name;
     osg::Vec3d eye;
 };
+
+std::ostream& operator<<(std::ostream& stream, const Direction& tested)
+{
+    return stream << tested.name;
+}
 
 class AxisPictureFrom : public testing::TestWithParam<Direction>
 {};
@@ -178,6 +186,11 @@ struct Variant
     std::function<void(osg::ShapeDrawable&)> prepareShape = [](osg::ShapeDrawable&) {};
 };
 
+std::ostream& operator<<(std::ostream& stream, const Variant& tested)
+{
+    return stream << tested.name;
+}
+
 class AxisPictureVariant : public testing::TestWithParam<Variant>
 {};
 
@@ -226,16 +239,6 @@ TEST(AxisPicture, IsTheSameWithVertexArrayObjectsEverywhere)
     EXPECT_TRUE(alike(*picture, *pictureOf(triad()), "axis-vertex-array-objects"));
 }
 
-TEST(AxisPicture, StaysWhenTheHostSwitchesTheUniformsOffBetweenFrames)
-{
-    PictureRig rig(kSize, kSize);
-    rig.setScene(triad());
-    rig.lookInPerspective(kRightAbove, osg::Vec3d(), osg::Y_AXIS);
-    const auto before = rig.render();
-    stateOf(rig).setUseModelViewAndProjectionUniforms(false);
-    EXPECT_TRUE(alike(*rig.render(1), *before, "axis-switched-off-between-frames"));
-}
-
 TEST(AxisPicture, FollowsACameraMovedWhileTheUniformsWereOff)
 {
     PictureRig rig(kSize, kSize);
@@ -244,15 +247,17 @@ TEST(AxisPicture, FollowsACameraMovedWhileTheUniformsWereOff)
     rig.render();
     stateOf(rig).setUseModelViewAndProjectionUniforms(false);
     rig.lookInPerspective(kRightAbove, osg::Vec3d(), osg::Y_AXIS);
-    EXPECT_TRUE(alike(*rig.render(), *pictureOf(triad()), "axis-moved-camera"));
+    EXPECT_TRUE(alike(*rig.render(1), *pictureOf(triad()), "axis-moved-camera"));
 }
 
 TEST(AxisPicture, KeepsItsLettersWhereTextsAreDrawnWithoutShaders)
 {
     const auto stock = pictureOf(triad());
+    osgDB::Registry::instance()->clearObjectCache(); // the font, once read, keeps how it is drawn
     osg::DisplaySettings::instance()->setTextShaderTechnique("NO_TEXT_SHADER");
     const auto plain = pictureOf(triad());
     osg::DisplaySettings::instance()->setTextShaderTechnique("");
+    osgDB::Registry::instance()->clearObjectCache();
     // The two ways of drawing text weigh the borders of letters differently; a filled square would
     // be some hundred pixels off.
     EXPECT_TRUE(alike(*plain, *stock, "axis-plain-letters", {60, 0.001}));

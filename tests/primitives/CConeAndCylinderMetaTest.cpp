@@ -21,6 +21,7 @@
 #include <QFile>
 #include <QStringList>
 
+#include <ostream>
 #include <string>
 
 namespace {
@@ -113,6 +114,11 @@ struct DirectionCase
     osg::Vec3f direction;
     const char* letter;
 };
+
+std::ostream& operator<<(std::ostream& stream, const DirectionCase& tested)
+{
+    return stream << tested.name;
+}
 
 class AxisDirection : public testing::TestWithParam<DirectionCase>
 {};

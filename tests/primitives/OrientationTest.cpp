@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <ostream>
 #include <random>
 #include <string>
 #include <vector>
@@ -72,6 +73,11 @@ struct RotationCase
     osg::Vec3f axis;
     osg::Vec3f expected;
 };
+
+std::ostream& operator<<(std::ostream& stream, const RotationCase& tested)
+{
+    return stream << tested.name;
+}
 
 class KnownRotation : public testing::TestWithParam<RotationCase>
 {};
