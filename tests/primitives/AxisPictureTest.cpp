@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <osg/Camera>
 #include <osg/DisplaySettings>
 #include <osg/GL>
 #include <osg/Geode>
@@ -20,6 +21,8 @@
 #include <osg/State>
 #include <osg/Uniform>
 #include <osgDB/Registry>
+#include <osgGA/TrackballManipulator>
+#include <osgViewer/Viewer>
 
 #include <cstring>
 #include <functional>
@@ -160,6 +163,31 @@ TEST(AxisPicture, LeavesWhatItsHiddenLettersLieBehindInFront)
     const auto without = pictureOf(groupOf({boxBeforeX(), triad()}));
     const auto with = pictureOf(groupOf({boxBeforeX(), triad(), between()}));
     EXPECT_TRUE(alike(*with, *without, "axis-hidden-letter-depth"));
+}
+
+struct ReadWindow : osg::Camera::DrawCallback
+{
+    void operator()(osg::RenderInfo&) const override
+    {
+        picture->readPixels(0, 0, kSize, kSize, GL_RGB, GL_UNSIGNED_BYTE);
+    }
+    osg::ref_ptr<osg::Image> picture = new osg::Image;
+};
+
+TEST(AxisPicture, ShowsTheTriadInAWindowOfAViewerLeftAsItComes)
+{
+    const osg::ref_ptr<ReadWindow> reader = new ReadWindow;
+    const osg::ref_ptr<osgViewer::Viewer> viewer = new osgViewer::Viewer;
+    viewer->setUpViewInWindow(0, 0, kSize, kSize);
+    const osg::ref_ptr<osgGA::TrackballManipulator> manipulator = new osgGA::TrackballManipulator;
+    manipulator->setHomePosition(osg::Vec3d(9, -12, 7), osg::Vec3d(), osg::Z_AXIS);
+    viewer->setCameraManipulator(manipulator);
+    viewer->setSceneData(groupOf({grey(new osg::Box(osg::Vec3(0, 0, -0.5f), 4.0f, 4.0f, 1.0f)), triad()}));
+    viewer->getCamera()->setFinalDrawCallback(reader);
+    viewer->realize();
+    for (int i = 0; i < 3; ++i) viewer->frame();
+    viewer->stopThreading(); // waits for the last frame
+    EXPECT_TRUE(matchesStored(*reader->picture, "primitives/axis-in-a-window"));
 }
 
 // --- In whatever state the host is -------------------------------------------------------------
