@@ -3,7 +3,6 @@
 #include <KelvOsgTools/CConeAndCylinderMeta.h>
 #include <KelvOsgTools/CFeatureConfig.h>
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <osg/Camera>
@@ -28,6 +27,7 @@
 #include <functional>
 #include <ostream>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -65,7 +65,7 @@ osg::ref_ptr<osg::Node> grey(osg::Shape* shape)
     return drawable;
 }
 
-/// A box before the X axis, seen from the right above: it hides the outer half with head and letter.
+/// A box before the X axis, seen from the right above: it hides all of it but its foot.
 osg::ref_ptr<osg::Node> boxBeforeX()
 {
     return grey(new osg::Box(osg::Vec3(120.0f, 40.0f, 65.0f), 40.0f));
@@ -84,11 +84,10 @@ osg::State& stateOf(PictureRig& rig)
     return *rig.camera().getGraphicsContext()->getState();
 }
 
-// --- As it looks ------------------------------------------------------------------------------
-
 struct Direction
 {
     const char* name;
+    const char* picture;
     osg::Vec3d eye;
 };
 
@@ -102,19 +101,15 @@ class AxisPictureFrom : public testing::TestWithParam<Direction>
 
 TEST_P(AxisPictureFrom, ShowsAShadedTriadWithItsLetters)
 {
-    EXPECT_TRUE(matchesStored(*pictureOf(triad(), GetParam().eye), std::string("primitives/axis-") + GetParam().name));
+    EXPECT_TRUE(matchesStored(*pictureOf(triad(), GetParam().eye), GetParam().picture));
 }
 
-INSTANTIATE_TEST_SUITE_P(Three, AxisPictureFrom,
-                         testing::Values(Direction{"right-above", kRightAbove},
-                                         Direction{"left-above", osg::Vec3d(-300, 150, 200)},
-                                         Direction{"below", osg::Vec3d(150, -300, 250)}),
-                         [](const auto& tested) {
-                             std::string name = tested.param.name;
-                             for (char& letter : name)
-                                 if (letter == '-') letter = '_';
-                             return name;
-                         });
+INSTANTIATE_TEST_SUITE_P(Directions, AxisPictureFrom,
+                         testing::Values(Direction{"RightAbove", "primitives/axis-right-above", kRightAbove},
+                                         Direction{"LeftAbove", "primitives/axis-left-above",
+                                                   osg::Vec3d(-300, 150, 200)},
+                                         Direction{"Below", "primitives/axis-below", osg::Vec3d(150, -300, 250)}),
+                         [](const auto& tested) { return std::string(tested.param.name); });
 
 osg::ref_ptr<osg::Group> blending(osg::ref_ptr<osg::Group> scene)
 {
@@ -189,8 +184,6 @@ TEST(AxisPicture, ShowsTheTriadInAWindowOfAViewerLeftAsItComes)
     viewer->stopThreading(); // waits for the last frame
     EXPECT_TRUE(matchesStored(*reader->picture, "primitives/axis-in-a-window"));
 }
-
-// --- In whatever state the host is -------------------------------------------------------------
 
 class ForEachShape : public osg::NodeVisitor
 {
@@ -310,8 +303,6 @@ TEST(AxisPicture, IsTheSameWithAThreadForEachContext)
     EXPECT_TRUE(alike(*rig.render(0), *pictureOf(triad()), "axis-draw-thread"));
 }
 
-// --- Beside the host's own objects --------------------------------------------------------------
-
 constexpr char kHostVertexShader[] = "varying vec3 normal;\n"
                                      "void main()\n"
                                      "{\n"
@@ -396,8 +387,6 @@ TEST(AxisPicture, LeavesAContextWithoutATriadAlone)
     pictureOf(triad());
     EXPECT_FALSE(stateOf(other).getUseModelViewAndProjectionUniforms());
 }
-
-// --- The GL compiler's opinion ----------------------------------------------------------------
 
 /// Keeps what OpenSceneGraph warns of while it lives.
 class Warnings

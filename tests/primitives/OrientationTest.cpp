@@ -133,8 +133,6 @@ TEST(CalculateRotateAngles, GivesNoNumbersForAZeroAxis)
     EXPECT_TRUE(std::isnan(angles.z()));
 }
 
-// --- Centres ----------------------------------------------------------------------------------
-
 osg::ref_ptr<osg::Vec3Array> pointsOf(const std::vector<osg::Vec3f>& points)
 {
     return new osg::Vec3Array(points.begin(), points.end());
