@@ -19,10 +19,12 @@
 #include <osg/ShapeDrawable>
 #include <osg/State>
 #include <osg/Uniform>
+#include <osgDB/ReadFile>
 #include <osgDB/Registry>
 #include <osgGA/TrackballManipulator>
 #include <osgViewer/Viewer>
 
+#include <cstdlib>
 #include <cstring>
 #include <functional>
 #include <ostream>
@@ -171,6 +173,7 @@ struct ReadWindow : osg::Camera::DrawCallback
 
 TEST(AxisPicture, ShowsTheTriadInAWindowOfAViewerLeftAsItComes)
 {
+    const PictureRig displayIsThere(1, 1);
     const osg::ref_ptr<ReadWindow> reader = new ReadWindow;
     const osg::ref_ptr<osgViewer::Viewer> viewer = new osgViewer::Viewer;
     viewer->setUpViewInWindow(0, 0, kSize, kSize);
@@ -183,6 +186,20 @@ TEST(AxisPicture, ShowsTheTriadInAWindowOfAViewerLeftAsItComes)
     for (int i = 0; i < 3; ++i) viewer->frame();
     viewer->stopThreading(); // waits for the last frame
     EXPECT_TRUE(matchesStored(*reader->picture, "primitives/axis-in-a-window"));
+}
+
+TEST(AxisExample, WritesAPictureOfTheTriad)
+{
+#ifdef KELVOSGTOOLS_AXIS_EXAMPLE
+    const PictureRig displayIsThere(1, 1);
+    const std::string file = testing::TempDir() + "axis-example.png";
+    ASSERT_EQ(std::system((KELVOSGTOOLS_AXIS_EXAMPLE " --picture " + file).c_str()), 0);
+    const osg::ref_ptr<osg::Image> picture = osgDB::readRefImageFile(file);
+    ASSERT_TRUE(picture);
+    EXPECT_TRUE(matchesStored(*picture, "primitives/axis-example"));
+#else
+    GTEST_SKIP() << "the examples are not built";
+#endif
 }
 
 class ForEachShape : public osg::NodeVisitor
