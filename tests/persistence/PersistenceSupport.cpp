@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 
 #include <algorithm>
 #include <stdexcept>
@@ -102,6 +103,10 @@ const QStringList& LoggedMessages::all() const
 {
     return messages;
 }
+
+TestFolder::TestFolder()
+    : m_folder((QFileInfo("/dev/shm").isWritable() ? QString("/dev/shm") : QDir::tempPath()) + "/kelvosgtools-test")
+{}
 
 void TestFolder::write(const QString& name, const QByteArray& bytes) const
 {

@@ -33,10 +33,13 @@ public:
     const QStringList& all() const;
 };
 
-/// A folder that vanishes with the test.
+/// A folder that vanishes with the test; in memory where the system has such a place, as every save
+/// waits for the disk.
 class TestFolder
 {
 public:
+    TestFolder();
+
     QString path() const { return m_folder.path(); }
     QString pathOf(const QString& name) const { return m_folder.path() + '/' + name; }
 
