@@ -26,7 +26,7 @@ void keepMessage(QtMsgType type, const QMessageLogContext&, const QString& text)
 class ValueSource
 {
 public:
-    float next() { return m_value += 0.1f; }
+    float next() { return m_value += 0.001f; }
     osg::Vec3f nextVec3()
     {
         const float x = next();
@@ -36,7 +36,7 @@ public:
     osg::Vec4f nextVec4() { return {nextVec3(), next()}; }
 
 private:
-    float m_value = 10.0f;
+    float m_value = 1.5f; // small, as spheres and arrows are tessellated the finer, the greater their ratio
 };
 
 TableRecord nextTable(ValueSource& values, int number)
