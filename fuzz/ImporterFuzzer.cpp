@@ -14,7 +14,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
+#include <limits>
 
 // Feeds any bytes to the importer. Whatever they are: reading ends; what was read can be rebuilt as
 // the library does it, and feature by feature; the features can be saved; and the saved file brings
@@ -53,9 +53,13 @@ importFeature imported(const QString& name)
     return importer;
 }
 
-bool isSame(float a, float b)
+/// Whether a float comes back as it went. Three values are not carried: the sign of zero, the bits of
+/// what is no number, and the largest float, whose nine digits are rounded out of range.
+bool isSame(float before, float after)
 {
-    return std::memcmp(&a, &b, sizeof a) == 0 || (std::isnan(a) && std::isnan(b));
+    const bool isLargest = std::fabs(before) == std::numeric_limits<float>::max();
+    return before == after || (std::isnan(before) && std::isnan(after)) ||
+           (isLargest && std::isinf(after) && std::signbit(before) == std::signbit(after));
 }
 
 template <typename Vector>
