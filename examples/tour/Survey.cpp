@@ -1,6 +1,6 @@
 #include "Survey.h"
 
-#include <osgUtil/LineSegmentIntersector>
+#include <KelvOsgTools/FeatureFunctions.h>
 
 #include <algorithm>
 #include <cmath>
@@ -64,10 +64,8 @@ Survey::Survey(osgViewer::Viewer& viewer, const osg::Matrixd& toWindow, float me
 
 bool Survey::pointUnder(const osg::Vec2f& window, osg::Vec3f& point) const
 {
-    osgUtil::LineSegmentIntersector::Intersections hits;
-    if (!m_viewer.computeIntersections(window.x(), window.y(), hits)) return false;
-    point = hits.begin()->getLocalIntersectPoint();
-    return true;
+    return KelvOsgTools::getClickedPointToMeshData(&m_viewer, window.x(), window.y(), point,
+                                                   QStringLiteral("meshData"));
 }
 
 bool Survey::examine(const osg::Vec2f& window, SurfacePoint& spot) const

@@ -40,8 +40,8 @@ void Tour::choosePlaces()
         m_stands.push_back({foot, foot + m_squares[i].normal * share(kStandHeight)});
     }
     m_segments = bestPairs(survey.spreadPoints(2 * kSegments, labelPositions()));
-    m_dots = survey.spreadPoints(kDots, labelPositions());
-    if (m_dots.size() < kDots) throw std::runtime_error("the mesh has too little smooth surface");
+    m_dots = survey.spreadPoints(kDots + 1, labelPositions());
+    if (m_dots.size() <= kDots) throw std::runtime_error("the mesh has too little smooth surface");
 }
 
 std::vector<osg::Vec2f> Tour::labelPositions() const

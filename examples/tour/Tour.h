@@ -43,6 +43,7 @@ public:
     const Segment& segment(std::size_t index) const { return m_segments.at(index); }
     const FlatSquare& plane(std::size_t index) const { return m_squares.at(index); }
     const Segment& stand(std::size_t index) const { return m_stands.at(index); }
+    osg::Vec2f freePosition() const { return m_dots.back().window; } ///< window position of a spot without feature
     /// @}
 
     /// Where a point of the mesh is seen, pixels from the bottom left.
@@ -78,6 +79,10 @@ void showFlagDots(Tour& tour);
 void showLines(Tour& tour);
 void showPlanes(Tour& tour);
 void showAllFeatures(Tour& tour);
+void clickOnMesh(Tour& tour);
+void clickOnFeatures(Tour& tour);
+void saveAndReload(Tour& tour);
+void showAxes(Tour& tour);
 /// @}
 
 } // namespace tour

@@ -45,7 +45,8 @@ void walk(const std::string& meshFile, const std::string& folder)
     tour::Studio studio(labelFont().toStdString());
     tour::Tour tour(studio, mesh, folder);
     for (void (*const step)(tour::Tour&) :
-         {tour::showMesh, tour::showDots, tour::showFlagDots, tour::showLines, tour::showPlanes, tour::showAllFeatures})
+         {tour::showMesh, tour::showDots, tour::showFlagDots, tour::showLines, tour::showPlanes, tour::showAllFeatures,
+          tour::clickOnMesh, tour::clickOnFeatures, tour::saveAndReload, tour::showAxes})
         step(tour);
 }
 
