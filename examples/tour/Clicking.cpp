@@ -13,8 +13,8 @@ using namespace KelvOsgTools;
 namespace tour {
 namespace {
 
-constexpr float kOntoLabel = 20.0f;  // pixels from the point of a feature up into its label
-constexpr float kBesideArrow = 1.5f; // pixels beside a thin line where a click still takes it
+const osg::Vec2f kOntoLabel(22.0f, 14.0f); // pixels from the anchor of a label into its right half
+constexpr float kBesideArrow = 1.5f;       // pixels beside a thin line where a click still takes it
 
 /// The features whose labels can be hit, by their names.
 QList<QVariant> listed(const QStringList& names)
@@ -77,8 +77,9 @@ void clickOnFeatures(Tour& tour)
           "A click on a solid arrow selects ");
     click(tour, normalArrowPosition(tour, tour.plane(0)) + osg::Vec2f(kBesideArrow, 0.0f), featureStateSelected,
           "click-plane", "A click beside a thin normal arrow selects ");
-    click(tour, tour.windowPosition(tour.dot(1)) + osg::Vec2f(0.0f, kOntoLabel), featureStateHighlighted, "hover-label",
-          "The mouse over a label highlights ");
+    const std::vector<osg::Vec3f>& corners = tour.plane(1).corners;
+    click(tour, tour.windowPosition((corners[0] + corners[2]) * 0.5f) + kOntoLabel, featureStateHighlighted,
+          "hover-label", "The mouse over a label highlights ");
 }
 
 } // namespace tour

@@ -12,8 +12,8 @@ namespace {
 const osg::Vec4f kBlue(0.10f, 0.32f, 0.70f, 1.0f);
 // Shares of the mesh's radius:
 constexpr float kArrowRadius = 0.012f;
-constexpr float kThinRadius = 0.006f; // of a thin line, which is solid once it was saved and loaded
-constexpr float kLift = 0.004f;       // planes hover that far above the surface, so as not to fight with it
+constexpr float kThinRadius = 0.006f;
+constexpr float kLift = 0.004f; // planes hover that far above the surface, so as not to fight with it
 
 QString stateWord(featureState state)
 {
@@ -39,14 +39,10 @@ CArrowMeta::structArrowMeta arrowRecord(int number, const Segment& segment)
     return record;
 }
 
-/// A thin arrow, seen through whatever stands before it.
 CArrowMeta::structArrowMeta thinLine(const Tour& tour, int number, const Segment& segment)
 {
     CArrowMeta::structArrowMeta record = arrowRecord(number, segment);
-    record.isLineArrow = true;
-    record.isDepthTest = false;
-    record.lineWidth = 3.0f;
-    record.radius = tour.share(kThinRadius);
+    makeThin(record, tour);
     return record;
 }
 
@@ -64,6 +60,19 @@ std::vector<osg::Vec3f> lifted(std::vector<osg::Vec3f> corners, const osg::Vec3f
 }
 
 } // namespace
+
+void makeThin(CArrowMeta::structArrowMeta& record, const Tour& tour)
+{
+    record.isLineArrow = true;
+    record.isDepthTest = false;
+    record.lineWidth = 3.0f;
+    record.radius = tour.share(kThinRadius);
+}
+
+bool isThin(const CArrowMeta::structArrowMeta& record, const Tour& tour)
+{
+    return record.radius < tour.share((kThinRadius + kArrowRadius) / 2.0f);
+}
 
 osg::Vec3f normalForLength(const std::vector<osg::Vec3f>& corners, const osg::Vec3f& unitNormal, float length)
 {

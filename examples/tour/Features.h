@@ -2,7 +2,7 @@
 
 #include "Tour.h"
 
-#include <KelvOsgTools/CFeatureMetaObject.h>
+#include <KelvOsgTools/CArrowMeta.h>
 #include <KelvOsgTools/FeatureTypes.h>
 
 #include <array>
@@ -18,6 +18,12 @@ void addPlanes(Tour& tour, const std::array<KelvOsgTools::featureState, Tour::kP
 
 /// A dot anywhere on the mesh. The label is its number, with the state if that is not the normal one.
 void addDot(Tour& tour, int number, const osg::Vec3f& point, KelvOsgTools::featureState state);
+
+/// Makes a line a thin one, seen through whatever stands before it.
+void makeThin(KelvOsgTools::CArrowMeta::structArrowMeta& record, const Tour& tour);
+
+/// Whether a line was made thin; tells by the radius, which thin lines carry but do not show.
+bool isThin(const KelvOsgTools::CArrowMeta::structArrowMeta& record, const Tour& tour);
 
 /// The normal to pass for normal arrows of a given length: the library draws them as long as the
 /// normal, times a fifth of the longer of the first two edges, or times 4, whichever is more.

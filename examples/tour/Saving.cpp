@@ -37,6 +37,7 @@ void rebuildLines(Tour& tour, const importFeature& saved)
     for (int i = 0; i < saved.getArrowMetaInfo().size(); ++i) {
         CArrowMeta::structArrowMeta record = saved.getArrowMetaInfo().at(i);
         record.name = "line-" + std::to_string(i + 1);
+        if (isThin(record, tour)) makeThin(record, tour); // a file does not tell either
         const CTableMeta::structTableMeta& label = saved.getArrowTableInfo().at(i);
         createArrowAndTable(featureStateHighlighted, record, tour.scene(), label.renderIndex, label.tableNamePrefix,
                             label.tableNameIndexSuffix);

@@ -11,6 +11,7 @@ namespace {
 
 constexpr float kGridPixels = 24.0f;
 constexpr float kNeighbourPixels = 14.0f; // a spot is smooth if its neighbours at this distance say so
+constexpr std::size_t kEnoughSpots = 40;  // with fewer smooth spots than that, rough ones must do
 constexpr float kFlatness = 0.004f;       // of the mesh's size: how far a neighbour may be off the plane
 constexpr float kSides[] = {0.9f, 0.75f, 0.6f, 0.5f,  0.42f, 0.36f,
                             0.3f, 0.25f, 0.2f, 0.16f, 0.13f, 0.1f}; // of the mesh's size
@@ -56,10 +57,12 @@ Survey::Survey(osgViewer::Viewer& viewer, const osg::Matrixd& toWindow, float me
     : m_viewer(viewer), m_toWindow(toWindow), m_meshSize(meshSize)
 {
     const osg::Viewport& viewport = *viewer.getCamera()->getViewport();
+    std::vector<SurfacePoint> roughSpots;
     SurfacePoint spot;
     for (float y = kGridPixels; y < viewport.height() - kGridPixels; y += kGridPixels)
         for (float x = kGridPixels; x < viewport.width() - kGridPixels; x += kGridPixels)
-            if (examine(osg::Vec2f(x, y), spot)) m_spots.push_back(spot);
+            if (examine(osg::Vec2f(x, y), spot)) (spot.isSmooth ? m_spots : roughSpots).push_back(spot);
+    if (m_spots.size() < kEnoughSpots) m_spots.insert(m_spots.end(), roughSpots.begin(), roughSpots.end());
 }
 
 bool Survey::pointUnder(const osg::Vec2f& window, osg::Vec3f& point) const
@@ -81,7 +84,8 @@ bool Survey::examine(const osg::Vec2f& window, SurfacePoint& spot) const
     const auto isOff = [&](const osg::Vec3f& neighbour) {
         return std::abs((neighbour - spot.point) * spot.normal) > kFlatness * m_meshSize;
     };
-    return !isOff(east) && !isOff(west) && !isOff(north) && !isOff(south);
+    spot.isSmooth = !isOff(east) && !isOff(west) && !isOff(north) && !isOff(south);
+    return true;
 }
 
 std::vector<SurfacePoint> Survey::spreadPoints(std::size_t count, const std::vector<osg::Vec2f>& takenPositions) const
@@ -150,7 +154,8 @@ std::vector<FlatSquare> Survey::flatSquares(std::size_t count) const
     const std::vector<FlatSquare> squares = squaresBySize();
     for (const bool mustFaceAnotherWay : {true, false})
         for (const FlatSquare& square : squares) choose(square, mustFaceAnotherWay);
-    for (const SurfacePoint& spot : spreadPoints(count)) choose(squareAround(spot, kTouchingSide * m_meshSize), false);
+    for (const SurfacePoint& spot : spreadPoints(4 * count))
+        choose(squareAround(spot, kTouchingSide * m_meshSize), false);
     return chosen;
 }
 

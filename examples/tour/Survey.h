@@ -15,6 +15,7 @@ struct SurfacePoint
     osg::Vec2f window; ///< where it is seen, pixels from the bottom left
     osg::Vec3f point;
     osg::Vec3f normal; ///< of length 1
+    bool isSmooth = false;
 };
 
 /// A flat square on the mesh, with its four corners in order.
@@ -37,7 +38,7 @@ public:
     /// @param meshSize radius of the mesh in its own coordinates
     Survey(osgViewer::Viewer& viewer, const osg::Matrixd& toWindow, float meshSize);
 
-    /// Points on smooth spots, seen far from each other and from the given window positions; fewer
+    /// Points on smooth spots (if there are such), seen far from each other and from the given window positions; fewer
     /// than count if there are fewer.
     std::vector<SurfacePoint> spreadPoints(std::size_t count, const std::vector<osg::Vec2f>& takenPositions = {}) const;
 
@@ -55,7 +56,7 @@ private:
     osgViewer::Viewer& m_viewer;
     osg::Matrixd m_toWindow;
     float m_meshSize;
-    std::vector<SurfacePoint> m_spots; // flat around their middle
+    std::vector<SurfacePoint> m_spots;
 };
 
 } // namespace tour

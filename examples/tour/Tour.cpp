@@ -96,6 +96,7 @@ void Tour::picture(const std::string& name, const std::string& caption)
     const std::string path = m_folder + "/" + number + "-" + name + ".png";
     m_studio.save(path, caption);
     std::printf("%s  %s\n", path.c_str(), caption.c_str());
+    std::fflush(stdout);
 }
 
 } // namespace tour

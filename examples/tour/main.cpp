@@ -7,6 +7,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QGuiApplication>
+#include <QLoggingCategory>
 
 #include <osg/Notify>
 
@@ -60,6 +61,9 @@ int main(int argc, char** argv)
     }
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen"); // Qt only measures text
     const QGuiApplication application(argc, argv);
+    // Saving and loading tell each of their steps, and readers of meshes each of their doubts.
+    QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
+    if (!qEnvironmentVariableIsSet("OSG_NOTIFY_LEVEL")) osg::setNotifyLevel(osg::FATAL);
     try {
         chooseAppearance();
         walk(argv[1], argv[2]);
