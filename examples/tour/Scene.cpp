@@ -6,6 +6,7 @@
 #include <osg/KdTree>
 #include <osg/Material>
 #include <osg/NodeVisitor>
+#include <osg/Transform>
 #include <osg/TriangleFunctor>
 #include <osgDB/FileNameUtils>
 #include <osgDB/FileUtils>
@@ -23,6 +24,19 @@ struct CountTriangle
 {
     void operator()(const osg::Vec3&, const osg::Vec3&, const osg::Vec3&, bool = false) { ++count; }
     unsigned int count = 0;
+};
+
+/// Tells the optimizer that it may resolve every transform.
+class FixTransforms : public osg::NodeVisitor
+{
+public:
+    FixTransforms() : osg::NodeVisitor(TRAVERSE_ALL_CHILDREN) {}
+
+    void apply(osg::Transform& transform) override
+    {
+        transform.setDataVariance(osg::Object::STATIC);
+        traverse(transform);
+    }
 };
 
 /// Gives every geometry normals and tells what the mesh is made of.
@@ -75,6 +89,8 @@ osg::ref_ptr<osg::Node> loadMesh(const std::string& path)
 
     // Picks give points in the coordinates of the drawable. Without transforms between, those are the
     // coordinates of the mesh, in which the features are placed.
+    FixTransforms fix;
+    mesh->accept(fix);
     osgUtil::Optimizer().optimize(mesh, osgUtil::Optimizer::FLATTEN_STATIC_TRANSFORMS_DUPLICATING_SHARED_SUBGRAPHS);
 
     SurfaceVisitor surface;
