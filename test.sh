@@ -25,9 +25,9 @@ build_and_test() {
     with_virtual_display ctest --preset "$1" --parallel "$(nproc)"
 }
 
-say "The tour's part and the code in the README are up to date"
+say "The tour's part and the code in the guides are up to date"
 scripts/make_part.py --check examples/tour/part.obj
-scripts/check_readme.py
+scripts/check_docs.py
 
 say "Debug build"
 build_and_test dev

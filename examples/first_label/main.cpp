@@ -10,7 +10,6 @@
 
 using namespace KelvOsgTools;
 
-// README begins
 struct DotOnClick : osgGA::GUIEventHandler
 {
     bool handle(const osgGA::GUIEventAdapter& event, osgGA::GUIActionAdapter& action) override
@@ -28,7 +27,6 @@ struct DotOnClick : osgGA::GUIEventHandler
 
     int m_count = 0;
 };
-// README ends
 
 int main(int argc, char** argv)
 {
