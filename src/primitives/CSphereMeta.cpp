@@ -58,10 +58,13 @@ CAutoScaleSphereMeta::CAutoScaleSphereMeta(const structSphereMeta& meta)
 }
 
 CAutoScaleSphereMeta::CAutoScaleSphereMeta(const CAutoScaleSphereMeta& other)
-    : CFeatureMetaObject(other), m_metaStruct(other.m_metaStruct), m_sphereDrawable(other.m_sphereDrawable),
-      m_table(other.m_table), m_state(other.m_state), m_tableMeta(other.m_tableMeta)
-{
-}
+    : CFeatureMetaObject(other),
+      m_metaStruct(other.m_metaStruct),
+      m_sphereDrawable(other.m_sphereDrawable),
+      m_table(other.m_table),
+      m_state(other.m_state),
+      m_tableMeta(other.m_tableMeta)
+{}
 
 CAutoScaleSphereMeta::~CAutoScaleSphereMeta() = default;
 

@@ -8,6 +8,7 @@
 #include "foundation/SceneMarks.h"
 #include "primitives/Colours.h"
 #include "primitives/FlatGeometry.h"
+#include "primitives/LabelGlyphs.h"
 #include "primitives/PixelScale.h"
 #include "primitives/ScreenSphere.h"
 
@@ -40,7 +41,7 @@ QString labelText(const CTableMeta::structTableMeta& meta)
 osg::ref_ptr<osgText::Text> layOutText(const std::wstring& text, float fontSize)
 {
     osg::ref_ptr<osgText::Text> drawable = new osgText::Text;
-    drawable->setFont(detail::labelFontFile());
+    drawable->setFont(detail::labelGlyphs());
     drawable->setFontResolution(kGlyphResolution, kGlyphResolution);
     drawable->setCharacterSize(fontSize);
     drawable->setAxisAlignment(osgText::TextBase::XY_PLANE);

@@ -2,7 +2,7 @@
 
 #include "foundation/Finite.h"
 #include "primitives/PixelScale.h"
-#include "primitives/ShapeBuilder.h"
+#include "primitives/SphereDrawable.h"
 
 #include <osg/GL>
 #include <osg/Geode>
@@ -14,13 +14,20 @@ namespace KelvOsgTools::detail {
 osg::ref_ptr<osg::ShapeDrawable> makeSphere(float radius, float detailRatio, const osg::Vec4f& color,
                                             const std::string& name)
 {
-    return ShapeBuilder(detailRatio).build(new osg::Sphere(osg::Vec3f(), radius), color, name);
+    osg::ref_ptr<osg::ShapeDrawable> drawable = new SphereDrawable(radius, detailRatio);
+    drawable->setColor(color);
+    drawable->setName(name);
+    return drawable;
 }
 
 void resizeSphere(osg::ShapeDrawable& drawable, float radius)
 {
     auto* const sphere = dynamic_cast<osg::Sphere*>(drawable.getShape());
     if (!sphere) return;
+    if (auto* const shared = dynamic_cast<SphereDrawable*>(&drawable)) {
+        shared->resize(*sphere, radius);
+        return;
+    }
     sphere->setRadius(radius);
     drawable.build();
 }
