@@ -45,4 +45,11 @@ private:
     osg::ref_ptr<osg::Image> m_picture;
 };
 
+/// Creates a context, or throws after trying for some seconds: a virtual display starts anew when its
+/// last client has left, as every test program does at its end, and takes no client meanwhile.
+osg::ref_ptr<osg::GraphicsContext> createPatiently(osg::GraphicsContext::Traits* traits);
+
+/// Gives a viewer of a rig its background, light and camera: see PictureRig.
+void prepareViewer(osgViewer::Viewer& viewer, int width, int height);
+
 } // namespace kelvtest
