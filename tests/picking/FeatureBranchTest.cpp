@@ -167,7 +167,7 @@ TEST(FeatureBranch, FindsAThinLineUpToTwoPixelsBeyondItsEnds)
 TEST(FeatureBranch, FindsAThinLineWithinTwoPixelsInPerspective)
 {
     FeatureScene scene;
-    scene.addLine("line", osg::Vec3f(-20, 0, 0), osg::Vec3f(20, 0, 0));
+    scene.addLine("line", osg::Vec3f(-20, 0, 1), osg::Vec3f(20, 0, 1));
     const auto viewer = perspectiveViewer(scene.root, 200, 200, 100.0);
     EXPECT_TRUE(pickFeature(*viewer, featureLine, 150, 101.5f).isHit);
     EXPECT_FALSE(pickFeature(*viewer, featureLine, 150, 102.5f).isHit);
@@ -380,7 +380,7 @@ featureType winnerBesideDot(const osg::Vec3f& lineShift)
 
 TEST(FeatureBranch, PrefersWhatTheBoxFindsWhereItsPointIsNearerToTheEye)
 {
-    EXPECT_EQ(winnerBesideDot(osg::Vec3f()), featureLine);
+    EXPECT_EQ(winnerBesideDot(osg::Vec3f(0, 0, 20)), featureLine);
 }
 
 TEST(FeatureBranch, MeasuresPointsInTheCoordinatesOfTheirDrawables)
