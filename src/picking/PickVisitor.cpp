@@ -2,6 +2,8 @@
 
 #include <KelvOsgTools/CTableMeta.h>
 
+#include "primitives/PixelScale.h"
+
 #include <osg/Camera>
 #include <osg/Geode>
 #include <osg/Projection>
@@ -39,7 +41,8 @@ bool isWithin(double value, double least, double largest)
 /// Only kinds whose matrix and traversal are known can be judged from outside.
 bool isPlainAutoTransform(const osg::Transform& transform)
 {
-    return typeid(transform) == typeid(CTableMeta) || typeid(transform) == typeid(osg::AutoTransform);
+    const std::type_info& kind = typeid(transform);
+    return kind == typeid(CTableMeta) || kind == typeid(PixelTransform) || kind == typeid(osg::AutoTransform);
 }
 
 bool isPlainGeode(const osg::Node& node)
