@@ -145,6 +145,23 @@ TEST(HostileFile, ExpandsNoEntityFromAnotherFile)
     EXPECT_EQ(importer.getAutoScaleShpereTableInfo().first().tableNamePrefix, "ab");
 }
 
+QByteArray dotWithEntityInPrefix(const QByteArray& value)
+{
+    return "<!DOCTYPE a [<!ENTITY e '" + value + "'>]>" + dotWithPrefix("&e;");
+}
+
+TEST(HostileFile, ExpandsAShortEntityOfItsOwn)
+{
+    const importFeature importer = imported(dotWithEntityInPrefix("Point"));
+    ASSERT_EQ(tablesOf(importer), 1);
+    EXPECT_EQ(importer.getAutoScaleShpereTableInfo().first().tableNamePrefix, "Point");
+}
+
+TEST(HostileFile, RefusesAnEntityMuchLongerThanItsReference)
+{
+    EXPECT_EQ(tablesOf(imported(dotWithEntityInPrefix(QByteArray(100, 'x')))), 0);
+}
+
 TEST(HostileFile, RefusesEntitiesThatMultiplyText)
 {
     QByteArray declarations = "<!ENTITY e0 'ha'>";
@@ -293,7 +310,7 @@ INSTANTIATE_TEST_SUITE_P(HostileFile, HostileFileOfGrowingSize,
                          testing::Values(Bytes{"OfRecords", "<dotFeatureInfo>" + kDotAndTable + "</dotFeatureInfo>"},
                                          Bytes{"OfUnknownElements", "<x y='z'/>"}, Bytes{"OfText", "text"},
                                          Bytes{"OfReferences", "&amp;"},
-                                         Bytes{"OfNamespaces", "<x xmlns:a='b' a:c='d'/>"},
+                                         Bytes{"OfNestedNamespaces", "<x xmlns:a='b' xml:c='d'>"},
                                          Bytes{"OfNumbers", "<dotFeatureInfo><structSphereMeta><radius>" +
                                                                 QByteArray(5000, '1') +
                                                                 "</radius></structSphereMeta></dotFeatureInfo>"}),
