@@ -49,16 +49,6 @@ bool seesChildrenAsTheyAre(const CameraPosition& position, osg::Camera& master, 
            master.getNodeMask() != 0 && master.containsNode(&scene) && letsRaysThrough(scene);
 }
 
-/// The mesh first: if the ray hits it, nothing else needs to be looked at. If not, the rest of the
-/// scene gives the nearest hit, and the mesh's triangles are not tested again.
-bool pickMeshThenRest(const CameraPosition& position, osg::Group& scene, osg::Group& mesh, osg::Vec3f& point)
-{
-    auto& camera = const_cast<osg::Camera&>(*position.camera);
-    if (takeLocalPoint(detail::rayHitsBelow(mesh, camera, position.x, position.y), point)) return true;
-    takeWorldPoint(detail::rayHits(position, {&camera, &scene, &mesh}), point);
-    return false;
-}
-
 /// A dot takes its stored centre, not the point on its sphere.
 bool takeDot(osg::Node* node, osg::Vec3f& point, CAutoScaleSphereMeta*& dot)
 {
@@ -101,11 +91,15 @@ bool getClickedPointToMeshData(osgViewer::Viewer* viewer, float x, float y, osg:
     const osg::ref_ptr<osg::Node> named = findChildByName(meshName.toStdString(), scene);
     osg::Group* const mesh = named ? named->asGroup() : nullptr;
     osg::Camera& master = *viewer->getCamera();
-    if (mesh && seesChildrenAsTheyAre(*position, master, *scene, x, y))
-        return pickMeshThenRest(*position, *scene, *mesh, point);
+    const detail::PartialHits meshHits = mesh ? detail::rayHitsOf(*mesh, master, x, y) : detail::PartialHits();
 
-    if (!takeWorldPoint(detail::rayHits(*position), point)) return false;
-    return mesh && takeLocalPoint(detail::rayHitsBelow(*mesh, master, x, y), point);
+    if (!mesh || !meshHits.isAsInWhole || !seesChildrenAsTheyAre(*position, master, *scene, x, y))
+        return takeWorldPoint(detail::rayHits(*position), point) && takeLocalPoint(meshHits.hits, point);
+    // A hit on the mesh is a hit in the scene: nothing else needs to be looked at. Without one the
+    // rest of the scene gives the nearest hit, and the mesh's triangles are not tested again.
+    if (takeLocalPoint(meshHits.hits, point)) return true;
+    takeWorldPoint(detail::rayHits(*position, {&master, scene.get(), mesh}), point);
+    return false;
 }
 
 bool getClickedPointToMeshDataAndDotFeature(osgViewer::Viewer* viewer, const QList<QVariant>& features, float x,

@@ -2,7 +2,9 @@
 
 #include <KelvOsgTools/CTableMeta.h>
 
+#include <osg/Camera>
 #include <osg/Geode>
+#include <osg/Projection>
 
 #include <algorithm>
 #include <cmath>
@@ -104,7 +106,21 @@ void PickVisitor::apply(osg::Group& group)
 
 void PickVisitor::apply(osg::Transform& transform)
 {
-    if (!isLeftOut() && !surelyMisses(transform)) osgUtil::IntersectionVisitor::apply(transform);
+    if (isLeftOut() || surelyMisses(transform)) return;
+    if (transform.getReferenceFrame() != osg::Transform::RELATIVE_RF) m_stayedInWorld = false;
+    osgUtil::IntersectionVisitor::apply(transform);
+}
+
+void PickVisitor::apply(osg::Projection& projection)
+{
+    m_stayedInWorld = false;
+    osgUtil::IntersectionVisitor::apply(projection);
+}
+
+void PickVisitor::apply(osg::Camera& camera)
+{
+    m_stayedInWorld = false;
+    osgUtil::IntersectionVisitor::apply(camera);
 }
 
 bool PickVisitor::isLeftOut() const

@@ -125,12 +125,10 @@ osg::ref_ptr<osg::AutoTransform> CConeAndCylinderMeta::createAxisArraw(const str
     arrow->setAutoScaleToScreen(true);
     arrow->setPosition(osg::Vec3d());
     arrow->addChild(
-        detail::placed(readableByShader(shapes.build(new osg::Cylinder(osg::Vec3f(), meta.radius, shaftHeight),
-                                                     meta.color, m_cylinderName)),
+        detail::placed(readableByShader(shapes.buildCylinder(meta.radius, shaftHeight, meta.color, m_cylinderName)),
                        detail::poseAlong(direction, direction * (shaftHeight * 0.5f))));
     arrow->addChild(detail::placed(
-        readableByShader(
-            shapes.build(new osg::Cone(osg::Vec3f(), 2.0f * meta.radius, headHeight), meta.color, m_coneName)),
+        readableByShader(shapes.buildCone(2.0f * meta.radius, headHeight, meta.color, m_coneName)),
         detail::poseAlong(direction, direction * meta.length - direction * (headHeight * kConeTipShare))));
     arrow->addChild(screenFacingLetter(axis.letter, meta.color, direction * meta.length * kLetterDistance));
 

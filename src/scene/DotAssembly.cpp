@@ -47,12 +47,9 @@ CAutoScaleSphereMeta::structSphereMeta flagRecord(const osg::Vec3f& point)
 } // namespace
 
 osg::ref_ptr<osg::Group> createTable(const CTableMeta::structTableMeta& meta)
-try
-{
+try {
     return new CTableMeta(meta);
-}
-catch (const std::bad_alloc&)
-{
+} catch (const std::bad_alloc&) {
     return nullptr;
 }
 

@@ -16,8 +16,7 @@ class FreshRoots
 public:
     FreshRoots(osg::ref_ptr<osg::Group> scene, featureType kind)
         : m_scene(std::move(scene)), m_kind(kind), m_hadCommonRoot(find(featureAll)), m_hadRoot(find(kind))
-    {
-    }
+    {}
     FreshRoots(const FreshRoots&) = delete;
     FreshRoots& operator=(const FreshRoots&) = delete;
 
@@ -47,11 +46,23 @@ private:
     bool m_kept = false;
 };
 
+/// Fetches a node ahead of its use. Thousands of nodes lie scattered in memory: waiting for each is
+/// what a search of their names would spend its time on.
+void prefetch([[maybe_unused]] const osg::Node* node)
+{
+#if defined(__GNUC__)
+    if (node) __builtin_prefetch(&node->getName());
+#endif
+}
+
 /// Removes the children of that name, save the last child of the group.
 void removeFormerChildren(osg::Group& group, const std::string& name)
 {
-    for (unsigned int i = group.getNumChildren() - 1; i-- > 0;)
+    constexpr unsigned int kAhead = 16;
+    for (unsigned int i = group.getNumChildren() - 1; i-- > 0;) {
+        if (i >= kAhead) prefetch(group.getChild(i - kAhead));
         if (const osg::Node* child = group.getChild(i); child && child->getName() == name) group.removeChildren(i, 1);
+    }
 }
 
 } // namespace
@@ -74,12 +85,9 @@ CTableMeta::structTableMeta labelRecord(const osg::Vec3f& pos, const LabelArgume
 void appendChild(osg::Group& group, osg::Node* child)
 {
     const unsigned int end = group.getNumChildren();
-    try
-    {
+    try {
         group.addChild(child);
-    }
-    catch (...)
-    {
+    } catch (...) {
         // The group may hold the child already while the child does not know its parent.
         if (group.getNumChildren() > end) group.removeChildren(end, 1);
         throw;
@@ -88,8 +96,7 @@ void appendChild(osg::Group& group, osg::Node* child)
 
 osg::ref_ptr<osg::Node> hangFeature(const osg::ref_ptr<osg::Group>& scene, featureType kind, std::string name,
                                     const std::function<osg::ref_ptr<osg::Node>()>& build)
-try
-{
+try {
     FreshRoots freshRoots(scene, kind);
     const osg::ref_ptr<osg::Group> content = contentGroup(findOrCreateFeatureRootNode(scene, kind, true));
     if (!content) return nullptr;
@@ -100,9 +107,7 @@ try
     removeFormerChildren(*content, name);
     freshRoots.keep();
     return feature;
-}
-catch (const std::bad_alloc&)
-{
+} catch (const std::bad_alloc&) {
     return nullptr;
 }
 

@@ -23,8 +23,7 @@ osg::Vec3f centroidOf(const std::vector<osg::Vec3f>& points)
 
 float normalArrowLength(const std::vector<osg::Vec3f>& points)
 {
-    const float longerEdge =
-        std::max((points.at(0) - points.at(1)).length(), (points.at(1) - points.at(2)).length());
+    const float longerEdge = std::max((points.at(0) - points.at(1)).length(), (points.at(1) - points.at(2)).length());
     return std::max(kNormalArrowShare * longerEdge, kNormalArrowMinLength);
 }
 

@@ -21,6 +21,7 @@
 #include <QFile>
 #include <QStringList>
 
+#include <ostream>
 #include <string>
 
 namespace {
@@ -93,8 +94,6 @@ MATCHER_P(IsCloseTo, expected, "")
     return (arg - expected).length() < 1e-5;
 }
 
-// --- One arrow --------------------------------------------------------------------------------
-
 TEST(AxisRecord, HasTheDocumentedDefaults)
 {
     const AxisRecord record;
@@ -113,6 +112,11 @@ struct DirectionCase
     osg::Vec3f direction;
     const char* letter;
 };
+
+std::ostream& operator<<(std::ostream& stream, const DirectionCase& tested)
+{
+    return stream << tested.name;
+}
 
 class AxisDirection : public testing::TestWithParam<DirectionCase>
 {};
@@ -226,8 +230,6 @@ TEST(AxisArrow, KeepsItsSizeOnScreenAtTheOrigin)
     EXPECT_EQ(arrow->getNumChildren(), 3u);
 }
 
-// --- The object that makes arrows -------------------------------------------------------------
-
 TEST(CConeAndCylinderMetaObject, RemembersOnlyItsLastArrow)
 {
     const osg::ref_ptr<CConeAndCylinderMeta> maker = new CConeAndCylinderMeta;
@@ -294,8 +296,6 @@ TEST(CAxisMetaObject, SharesItsChildrenWithItsCopy)
     const osg::ref_ptr<CAxisMeta> copy = new CAxisMeta(*axis);
     EXPECT_EQ(copy->getChild(0), axis->getChild(0));
 }
-
-// --- The triad --------------------------------------------------------------------------------
 
 TEST(AxisTriad, HoldsEachAxisTwiceUnderItsTransformWhateverTheRecord)
 {
@@ -416,8 +416,6 @@ TEST(AxisTriad, KeepsTheBehaviourOfItsProgramInADeepCopy)
     const osg::ref_ptr<osg::Object> copy = program.clone(osg::CopyOp::DEEP_COPY_ALL);
     EXPECT_TRUE(typeid(*copy) == typeid(program));
 }
-
-// --- Reading shader texts ---------------------------------------------------------------------
 
 QStringList criticalLines;
 

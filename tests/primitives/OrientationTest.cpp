@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <ostream>
 #include <random>
 #include <string>
 #include <vector>
@@ -73,6 +74,11 @@ struct RotationCase
     osg::Vec3f expected;
 };
 
+std::ostream& operator<<(std::ostream& stream, const RotationCase& tested)
+{
+    return stream << tested.name;
+}
+
 class KnownRotation : public testing::TestWithParam<RotationCase>
 {};
 
@@ -126,8 +132,6 @@ TEST(CalculateRotateAngles, GivesNoNumbersForAZeroAxis)
     EXPECT_TRUE(std::isnan(angles.y()));
     EXPECT_TRUE(std::isnan(angles.z()));
 }
-
-// --- Centres ----------------------------------------------------------------------------------
 
 osg::ref_ptr<osg::Vec3Array> pointsOf(const std::vector<osg::Vec3f>& points)
 {

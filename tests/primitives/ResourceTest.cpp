@@ -2,7 +2,6 @@
 
 #include <QFile>
 #include <QFileInfo>
-#include <QGuiApplication>
 #include <QResource>
 #include <QString>
 
@@ -69,11 +68,3 @@ TEST(ShaderResources, AreStoredUncompressedAsTheyAreWritten)
 }
 
 } // namespace
-
-int main(int argc, char** argv)
-{
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    ::testing::InitGoogleTest(&argc, argv);
-    QGuiApplication application(argc, argv);
-    return RUN_ALL_TESTS();
-}
