@@ -16,7 +16,6 @@ scripts/install-packages.sh "${build_packages[@]}" "${display_packages[@]}" libg
 runtime_folder=$(mktemp -d)
 trap 'rm -rf "$runtime_folder"' EXIT
 export XDG_RUNTIME_DIR=$runtime_folder
-export QT_QPA_PLATFORM=offscreen
 
 # Builds the preset $1 and runs its tests.
 build_and_test() {
