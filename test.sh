@@ -16,7 +16,6 @@ scripts/install-packages.sh "${build_packages[@]}" "${display_packages[@]}" libg
 runtime_folder=$(mktemp -d)
 trap 'rm -rf "$runtime_folder"' EXIT
 export XDG_RUNTIME_DIR=$runtime_folder
-export QT_QPA_PLATFORM=offscreen
 
 # Builds the preset $1 and runs its tests.
 build_and_test() {
@@ -38,8 +37,5 @@ if [ -x scripts/fuzz.sh ]; then
 fi
 
 say "Build with address and undefined-behaviour sanitizers"
-# Leaks count as failures; those of other libraries are listed in the file, each with its reason.
-export LSAN_OPTIONS="suppressions=$PWD/tests/sanitizer-suppressions:print_suppressions=0"
-export ASAN_OPTIONS="detect_leaks=1:detect_stack_use_after_return=1"
-export UBSAN_OPTIONS="print_stacktrace=1"
+# Leaks count as failures; those of other libraries are listed in tests/sanitizer-suppressions.
 build_and_test sanitize
