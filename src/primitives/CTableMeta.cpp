@@ -131,6 +131,7 @@ const CTableMeta::structTableMeta& CTableMeta::getMetaStruct() const
 
 bool CTableMeta::checkClickPointIsInsideTable(const osg::Matrixd& toWindow, float x, float y)
 {
+    if (!detail::isFinite(m_metaStruct.pos)) return false; // hidden, and at no position of its own
     const osg::Vec3d anchor = toWindow.preMult(getPosition());
     const double dx = x - anchor.x();
     const double dy = y - anchor.y();
