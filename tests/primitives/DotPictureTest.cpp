@@ -395,9 +395,9 @@ TEST_P(SphereDrawn, LooksLikeTheFullTessellation)
         EXPECT_FALSE(discOf(*expected).isEmpty());
 
         const SphereDifference found = compareSpheres(*rig.render(), *expected);
-        EXPECT_LE(found.inside, 2); // of 255: not seen
+        EXPECT_LE(found.inside, 6); // of 255, where samples are mixed; 4 elsewhere: not seen
         // Any other triangles may win or lose a sample here and there along the outline.
-        EXPECT_LE(found.outline, 2.0);
+        EXPECT_LE(found.outline, 3.0);
     }
 }
 
