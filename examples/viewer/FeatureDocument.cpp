@@ -157,7 +157,7 @@ void FeatureDocument::clear()
 bool FeatureDocument::save(const QString& path, QString& error)
 {
     m_scene.showTemporary(featureAll, {}, true); // previews are features to the exporter
-    // The file holds the features in the order of the scene, which changes with every rebuilt node.
+    // The file holds the features in the order of the scene, which renamed ones have left.
     for (std::size_t row = 0; row < m_features.size(); ++row) m_scene.rebuild(m_features[row], m_states[row]);
 
     FeatureFileContent content{m_features, count(featureDot), count(featureLine), count(featurePlane)};

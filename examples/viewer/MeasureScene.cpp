@@ -6,9 +6,11 @@
 #include <KelvOsgTools/NodeVisitors.h>
 
 #include <osg/ComputeBoundsVisitor>
+#include <osg/Geometry>
 #include <osg/LightModel>
 #include <osg/Material>
 #include <osg/PolygonOffset>
+#include <osg/ShapeDrawable>
 #include <osg/ValueObject>
 
 #include <algorithm>
@@ -27,6 +29,7 @@ constexpr float kArrowRadiusShare = 0.006f; // of the radius around the mesh
 constexpr int kMeshBin = -1; // before the features, as lines are drawn over it without depth test
 
 const osg::Vec4f kDotColour(1.0f, 0.58f, 0.1f, 1.0f);
+const osg::Vec4f kNormalArrowColour(1.0f, 1.0f, 1.0f, 1.0f);
 const osg::Vec4f kLineColour(0.1f, 0.45f, 0.95f, 1.0f);
 
 std::vector<QString> flagNames(featureType kind)
@@ -71,6 +74,37 @@ float normalScale(const std::vector<osg::Vec3f>& points)
     return wanted / std::max(wanted, 4.0f);
 }
 
+void setColour(osg::Node& drawable, const osg::Vec4f& colour)
+{
+    if (auto* const shape = dynamic_cast<osg::ShapeDrawable*>(&drawable))
+        shape->setColor(colour);
+    else if (auto* const geometry = dynamic_cast<osg::Geometry*>(&drawable)) {
+        const osg::ref_ptr<osg::Vec4Array> colours = new osg::Vec4Array;
+        colours->push_back(colour);
+        geometry->setColorArray(colours, osg::Array::BIND_OVERALL);
+    }
+}
+
+void setColour(osg::Node& feature, const std::vector<std::string>& parts, const osg::Vec4f& colour)
+{
+    FindNamedNodeVisitor search(parts);
+    feature.accept(search);
+    for (const osg::ref_ptr<osg::Node>& part : search.m_foundNodes) setColour(*part, colour);
+}
+
+/// Gives a feature the colours of its record back, which no state does: the normal one is black.
+void restoreColours(CFeatureMetaObject& feature)
+{
+    if (auto* const dot = dynamic_cast<CAutoScaleSphereMeta*>(&feature))
+        setColour(*dot->getShpereDrawableNode(), kDotColour);
+    else if (auto* const arrow = dynamic_cast<CArrowMeta*>(&feature))
+        setColour(*arrow, {"cylinderDrawable", "coneDrawable", "arrowLineNode"}, arrow->getMetaStruct().color);
+    else if (auto* const plane = dynamic_cast<CPlaneMeta*>(&feature)) {
+        setColour(*plane, {"line"}, osg::Vec4f(plane->getMetaStruct().lineColor, 1.0f));
+        setColour(*plane, {"arrowLineNode"}, kNormalArrowColour);
+    }
+}
+
 void markTemporary(osg::Node* node)
 {
     if (node) node->setUserValue("tmpData", true);
@@ -110,14 +144,12 @@ void MeasureScene::setMatrix(const osg::Matrixd& matrix)
 
 void MeasureScene::show(const Feature& feature, featureState state)
 {
-    auto* const node = dynamic_cast<CFeatureMetaObject*>(nodeOf(feature));
-    // No state brings the colour of the record back, but a new node has it.
-    if (!node || state == featureStateNormal) {
+    if (auto* const node = dynamic_cast<CFeatureMetaObject*>(nodeOf(feature))) {
+        node->setState(state);
+        if (state == featureStateNormal) restoreColours(*node);
+        emit changed();
+    } else
         rebuild(feature, state);
-        return;
-    }
-    node->setState(state);
-    emit changed();
 }
 
 void MeasureScene::rebuild(const Feature& feature, featureState state)
@@ -134,8 +166,7 @@ void MeasureScene::build(const Feature& feature, featureState state)
         const osg::ref_ptr<osg::Group> node =
             createAutoScaleShpereAndTable(feature.name, m_root, feature.points.at(0), feature.renderIndex, feature.word,
                                           feature.number, state, false);
-        if (state == featureStateNormal)
-            static_cast<CAutoScaleSphereMeta&>(*node).getShpereDrawableNode()->setColor(kDotColour);
+        if (state == featureStateNormal) restoreColours(static_cast<CAutoScaleSphereMeta&>(*node));
         break;
     }
     case featureLine:

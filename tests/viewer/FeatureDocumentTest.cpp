@@ -155,7 +155,7 @@ TEST_F(FeatureDocumentTest, GivesTheColourOfADotBackAfterItWasSelected)
 TEST_F(FeatureDocumentTest, OpensEveryFeatureThatItSaved)
 {
     createOneOfEach();
-    m_document.create(featureLine, kPlaneClicks, false); // a solid line
+    m_document.create(featureLine, kLineClicks, false); // a solid line
     m_document.rename(0, "Bohrung <1> & \"2\"");
     const std::vector<Feature> saved = m_document.features();
     ASSERT_TRUE(m_document.save(file(), m_error)) << qPrintable(m_error);
@@ -169,15 +169,14 @@ TEST_F(FeatureDocumentTest, OpensEveryFeatureThatItSaved)
     EXPECT_TRUE(isSameMeasurement(other.features()[3], saved[2]));
 }
 
-TEST_F(FeatureDocumentTest, SavesTheOrderOfTheListWhateverWasSelected)
+TEST_F(FeatureDocumentTest, SavesTheOrderOfTheListWhateverWasRenamed)
 {
     m_document.create(featureDot, {{1, 0, 0}}, true);
     m_document.create(featureDot, {{2, 0, 0}}, true);
-    m_document.setState(0, featureStateSelected);
-    m_document.setState(0, featureStateNormal); // hangs the first behind the second
+    m_document.rename(0, "Datum"); // hangs the first behind the second
     ASSERT_TRUE(m_document.save(file(), m_error));
     ASSERT_TRUE(m_document.open(file(), m_error));
-    EXPECT_THAT(labels(), ElementsAre("Point1", "Point2"));
+    EXPECT_THAT(labels(), ElementsAre("Datum", "Point2"));
 }
 
 TEST_F(FeatureDocumentTest, DoesNotSaveThePreviewOfATool)

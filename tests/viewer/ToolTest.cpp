@@ -96,7 +96,7 @@ protected:
     OrbitCamera m_orbit;
 };
 INSTANTIATE_TEST_SUITE_P(Projections, OrbitCameraTest, ::testing::Bool(),
-                         [](const auto& info) { return info.param ? "Parallel" : "Perspective"; });
+                         [](const auto& projection) { return projection.param ? "Parallel" : "Perspective"; });
 
 TEST_P(OrbitCameraTest, KeepsThePointUnderTheCursorWhileZooming)
 {
