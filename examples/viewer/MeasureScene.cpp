@@ -1,7 +1,9 @@
 #include "MeasureScene.h"
 
-#include <KelvOsgTools/CFeatureConfig.h>
+#include <KelvOsgTools/CArrowMeta.h>
 #include <KelvOsgTools/CFlagAutoScaleSphereMeta.h>
+#include <KelvOsgTools/CPlaneMeta.h>
+#include <KelvOsgTools/CSphereMeta.h>
 #include <KelvOsgTools/FeatureFunctions.h>
 #include <KelvOsgTools/NodeVisitors.h>
 
