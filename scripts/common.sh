@@ -34,5 +34,5 @@ with_display() {
 }
 
 with_virtual_display() {
-    xvfb-run --auto-servernum --server-args="-screen 0 1280x1024x24" "$@"
+    xvfb-run --auto-servernum --server-args="-screen 0 1280x1024x24 -noreset" "$@"
 }

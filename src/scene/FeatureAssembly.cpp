@@ -10,12 +10,16 @@
 namespace KelvOsgTools::detail {
 namespace {
 
-/// Takes back the roots that a failed assembly made on its way.
+/// Takes back the roots that a failed assembly made on its way. It only counts: when memory is
+/// exhausted there is none to look names up with.
 class FreshRoots
 {
 public:
-    FreshRoots(osg::ref_ptr<osg::Group> scene, featureType kind)
-        : m_scene(std::move(scene)), m_kind(kind), m_hadCommonRoot(find(featureAll)), m_hadRoot(find(kind))
+    explicit FreshRoots(const osg::ref_ptr<osg::Group>& scene)
+        : m_scene(scene),
+          m_sceneSize(sizeOf(scene)),
+          m_content(existingContent(scene, featureAll)),
+          m_contentSize(sizeOf(m_content))
     {}
     FreshRoots(const FreshRoots&) = delete;
     FreshRoots& operator=(const FreshRoots&) = delete;
@@ -23,26 +27,24 @@ public:
     ~FreshRoots()
     {
         if (m_kept) return;
-        if (!m_hadCommonRoot)
-            removeFromParent(find(featureAll));
-        else if (!m_hadRoot)
-            removeFromParent(find(m_kind));
+        removeFrom(m_scene, m_sceneSize);
+        removeFrom(m_content, m_contentSize);
     }
 
     void keep() { m_kept = true; }
 
 private:
-    osg::ref_ptr<osg::Group> find(featureType kind) const { return findOrCreateFeatureRootNode(m_scene, kind, false); }
+    static unsigned int sizeOf(const osg::ref_ptr<osg::Group>& group) { return group ? group->getNumChildren() : 0; }
 
-    static void removeFromParent(const osg::ref_ptr<osg::Group>& root)
+    static void removeFrom(const osg::ref_ptr<osg::Group>& group, unsigned int formerSize)
     {
-        if (root && root->getNumParents() > 0) root->getParent(0)->removeChild(root);
+        if (sizeOf(group) > formerSize) group->removeChildren(formerSize, group->getNumChildren() - formerSize);
     }
 
     osg::ref_ptr<osg::Group> m_scene;
-    featureType m_kind;
-    bool m_hadCommonRoot;
-    bool m_hadRoot;
+    unsigned int m_sceneSize;
+    osg::ref_ptr<osg::Group> m_content; // of the common root; null if that has to be made
+    unsigned int m_contentSize;
     bool m_kept = false;
 };
 
@@ -97,7 +99,7 @@ void appendChild(osg::Group& group, osg::Node* child)
 osg::ref_ptr<osg::Node> hangFeature(const osg::ref_ptr<osg::Group>& scene, featureType kind, std::string name,
                                     const std::function<osg::ref_ptr<osg::Node>()>& build)
 try {
-    FreshRoots freshRoots(scene, kind);
+    FreshRoots freshRoots(scene);
     const osg::ref_ptr<osg::Group> content = contentGroup(findOrCreateFeatureRootNode(scene, kind, true));
     if (!content) return nullptr;
 
