@@ -21,7 +21,7 @@ using namespace kelvtest;
 
 namespace {
 
-constexpr int kScenes = 3000;
+constexpr int kScenes = 1500;
 constexpr int kPositionsPerScene = 4;
 
 const std::vector<std::string>& nodeNames()
@@ -179,5 +179,5 @@ TEST(LabelPickInRandomScenes, FindsTheWinnerOfTheStepByStepRule)
             found += expected ? 1 : 0;
         }
     }
-    EXPECT_GT(found, 1000) << "the scenes leave nothing to hit";
+    EXPECT_GT(found, 300) << "the scenes leave nothing to hit";
 }
