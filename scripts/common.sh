@@ -2,7 +2,7 @@
 # Shared by the scripts of this project; to be sourced.
 
 # What building and drawing need.
-build_packages=(cmake ninja-build g++ libopenscenegraph-dev qtbase5-dev qtbase5-dev-tools)
+build_packages=(cmake python3 ninja-build g++ libopenscenegraph-dev qtbase5-dev qtbase5-dev-tools)
 display_packages=(xvfb xauth libgl1-mesa-dri fonts-dejavu-core)
 
 say() {

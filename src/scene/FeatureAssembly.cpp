@@ -5,8 +5,6 @@
 
 #include "scene/FeatureRoots.h"
 
-#include <new>
-
 namespace KelvOsgTools::detail {
 namespace {
 
@@ -98,7 +96,7 @@ void appendChild(osg::Group& group, osg::Node* child)
 
 osg::ref_ptr<osg::Node> hangFeature(const osg::ref_ptr<osg::Group>& scene, featureType kind, std::string name,
                                     const std::function<osg::ref_ptr<osg::Node>()>& build)
-try {
+{
     FreshRoots freshRoots(scene);
     const osg::ref_ptr<osg::Group> content = contentGroup(findOrCreateFeatureRootNode(scene, kind, true));
     if (!content) return nullptr;
@@ -109,8 +107,6 @@ try {
     removeFormerChildren(*content, name);
     freshRoots.keep();
     return feature;
-} catch (const std::bad_alloc&) {
-    return nullptr;
 }
 
 } // namespace KelvOsgTools::detail

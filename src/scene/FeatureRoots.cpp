@@ -124,7 +124,7 @@ osg::ref_ptr<osg::Node> findFeatureByName(const std::string& name, osg::ref_ptr<
 }
 
 osg::ref_ptr<osg::Node> findOrCreateShpere(const std::string& name, osg::ref_ptr<osg::Group> scene, osg::Vec3f centre)
-{
+try {
     return detail::hangFeature(scene, featureDot, name, [&]() -> osg::ref_ptr<osg::Node> {
         CSphereMeta::structSphereMeta meta;
         meta.cneterPos = centre;
@@ -135,6 +135,8 @@ osg::ref_ptr<osg::Node> findOrCreateShpere(const std::string& name, osg::ref_ptr
         const osg::ref_ptr<CSphereMeta> maker = new CSphereMeta;
         return maker->CreateSphereMeta(meta);
     });
+} catch (const std::bad_alloc&) {
+    return nullptr;
 }
 
 bool switchFeatureRoot(osg::ref_ptr<osg::Group> scene, bool on, featureType kind)

@@ -8,11 +8,22 @@
 #include <cstdlib>
 #include <functional>
 #include <new>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace {
 
 // The allocation, counted from now, that fails; 0 means none does.
 long allocationsUntilFailure = 0;
+
+// What the next call of the library is to start with; arguments of its callers are none of its business.
+long nextAllocationsUntilFailure = 0;
+
+void arm()
+{
+    allocationsUntilFailure = nextAllocationsUntilFailure;
+}
 
 bool failsNow()
 {
@@ -45,12 +56,14 @@ using Assembly = std::function<osg::ref_ptr<osg::Group>(const osg::ref_ptr<osg::
 
 osg::ref_ptr<osg::Group> dotIn(const osg::ref_ptr<osg::Group>& scene)
 {
+    arm();
     return createAutoScaleShpereAndTable(QStringLiteral("feature"), scene, osg::Vec3f(), 1, QStringLiteral("Point"), 1,
                                          featureStateSelected, false);
 }
 
 osg::ref_ptr<osg::Group> flagDotIn(const osg::ref_ptr<osg::Group>& scene)
 {
+    arm();
     return createFlagAutoScaleShpereAndTable(QStringLiteral("feature"), scene, osg::Vec3f(), 1, QStringLiteral("Point"),
                                              1, featureLine, true, false);
 }
@@ -61,14 +74,16 @@ osg::ref_ptr<osg::Group> arrowIn(const osg::ref_ptr<osg::Group>& scene, bool isL
     meta.name = "feature";
     meta.endPos.set(1.0f, 2.0f, 3.0f);
     meta.isLineArrow = isLineArrow;
+    arm();
     return createArrowAndTable(featureStateSelected, meta, scene, 1, QStringLiteral("line"), 1);
 }
 
 osg::ref_ptr<osg::Group> planeIn(const osg::ref_ptr<osg::Group>& scene)
 {
-    return createPlaneAndTable(featureStateSelected, QStringLiteral("feature"), scene,
-                               {osg::Vec3f(), osg::X_AXIS, osg::X_AXIS + osg::Y_AXIS, osg::Y_AXIS}, osg::Z_AXIS, 1,
-                               QStringLiteral("Plane"), 1);
+    std::vector<osg::Vec3f> corners = {osg::Vec3f(), osg::X_AXIS, osg::X_AXIS + osg::Y_AXIS, osg::Y_AXIS};
+    arm();
+    return createPlaneAndTable(featureStateSelected, QStringLiteral("feature"), scene, std::move(corners), osg::Z_AXIS,
+                               1, QStringLiteral("Plane"), 1);
 }
 
 struct NamedAssembly
@@ -86,10 +101,11 @@ void failEachAllocation(const Assembly& build, const osg::ref_ptr<osg::Group>& s
                         const std::function<void(long)>& check)
 {
     for (long n = 1;; ++n) {
-        allocationsUntilFailure = n;
+        nextAllocationsUntilFailure = n;
         const osg::ref_ptr<osg::Group> feature = build(scene);
         const bool failed = allocationsUntilFailure == 0;
         allocationsUntilFailure = 0;
+        nextAllocationsUntilFailure = 0;
         if (!failed) {
             EXPECT_TRUE(feature.valid());
             return;
@@ -125,6 +141,6 @@ INSTANTIATE_TEST_SUITE_P(Assemblies, ExhaustedMemory,
                                            NamedAssembly{"LineArrow", [](const auto& s) { return arrowIn(s, true); }},
                                            NamedAssembly{"SolidArrow", [](const auto& s) { return arrowIn(s, false); }},
                                            NamedAssembly{"Plane", planeIn}),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         [](const auto& test) { return std::string(test.param.name); });
 
 } // namespace
