@@ -186,10 +186,10 @@ void bareStreamReader(benchmark::State& state)
 }
 
 constexpr int kFeatures = 10000;
-BENCHMARK(bareStreamWriter)->Name("BareStreamWriter")->Arg(kFeatures)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(writeFeatures)->Name("WriteFeatures")->Arg(kFeatures)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(bareStreamReader)->Name("BareStreamReader")->Arg(kFeatures)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(readFeatures)->Name("ReadFeatures")->Arg(kFeatures)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(bareStreamWriter)->Name("BareStreamWriter")->Arg(kFeatures)->Unit(benchmark::kMillisecond);
+BENCHMARK(writeFeatures)->Name("WriteFeatures")->Arg(kFeatures)->Unit(benchmark::kMillisecond);
+BENCHMARK(bareStreamReader)->Name("BareStreamReader")->Arg(kFeatures)->Unit(benchmark::kMillisecond);
+BENCHMARK(readFeatures)->Name("ReadFeatures")->Arg(kFeatures)->Unit(benchmark::kMillisecond);
 
 } // namespace
 

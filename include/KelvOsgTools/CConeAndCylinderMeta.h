@@ -40,7 +40,9 @@ public:
     /// seen and once, translucent, for where it is hidden by other geometry. The translucency shows
     /// where the host has blending on. Colour and axis of the record are not read.
     ///
-    /// Needs an OpenGL context with "#version 330 core" geometry shaders, and no set-up by the host.
+    /// Needs an OpenGL context with "#version 330 core" geometry shaders, and no set-up by the host:
+    /// it switches OpenSceneGraph's matrix uniforms on in the contexts it is drawn in. Hidden parts
+    /// show over what is drawn before the triad.
     static osg::ref_ptr<osg::Switch> createAxis(structConeAndCylinderMeta meta);
 
     /// Does nothing: the colour of an axis is fixed when it is made.

@@ -37,7 +37,8 @@ public:
     CSphereMeta(const CSphereMeta& other);
 
     /// A sphere sized in scene units: a geode named after the record. It becomes the one that
-    /// setColor() and visible() act on.
+    /// setColor() and visible() act on. A centre that is not finite gives a sphere that is neither
+    /// drawn nor hit.
     osg::ref_ptr<osg::Geode> CreateSphereMeta(const structSphereMeta& meta);
 
     /// A sphere that keeps its size on screen and turns to it. This object keeps no reference.

@@ -68,6 +68,10 @@ public:
     /// recolours nothing in the scaled layout.
     virtual void setState(featureState state);
 
+    /// As in the base class, but in the normal layout a unit is exactly a pixel in every projection.
+    bool computeLocalToWorldMatrix(osg::Matrix& matrix, osg::NodeVisitor* visitor) const override;
+    bool computeWorldToLocalMatrix(osg::Matrix& matrix, osg::NodeVisitor* visitor) const override;
+
 private:
     void init();
     void normalTable(const osg::Vec3f& pos, const std::wstring& text, float fontSize, const osg::Vec4f& textColor,

@@ -20,7 +20,8 @@ namespace KelvOsgTools {
 /// Saves the features of a scene as an XML file: first getMetaStructInfo(), then createXML().
 ///
 /// Every operation reports to Qt's debug channel only. A file carries no names, states or
-/// transforms; flag dots are not saved.
+/// transforms, and of a line not whether it is drawn as lines; flag dots are not saved. See
+/// importFeature for how to get every feature back.
 class KELVOSGTOOLS_EXPORT exportFeature
 {
 public:
@@ -39,8 +40,9 @@ public:
     /// the file carries none.
     void setFeatureTagCount(int dotTagCount, int arrowTagCount, int planeTagCount);
 
-    /// Writes what was gathered to path + "/" + name, replacing the file. The former file stays
-    /// whole until the new one is complete, and for good when writing fails.
+    /// Writes what was gathered to path + "/" + name. A file of that name keeps its content until the
+    /// new one is complete, and for good when writing fails; only where the folder takes no new file
+    /// is it written in place.
     /// @param root only tested: null writes nothing
     /// @param path directory
     /// @param name file name, used as passed; empty means "featureMark"

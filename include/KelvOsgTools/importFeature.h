@@ -17,6 +17,9 @@ class QXmlStreamReader;
 
 namespace KelvOsgTools {
 class exportFeature;
+namespace detail {
+class ImportFeatureAccess; // of the tests, for the path from an exporter without a file
+}
 
 /// Loads saved features: first getFeatureInfoIntoXML(), then createFeature().
 ///
@@ -62,6 +65,8 @@ public:
     /// @}
 
 private:
+    friend class detail::ImportFeatureAccess;
+
     void getDotFeatureInfoIntoXML(QXmlStreamReader& reader);
     void getLineFeatureInfoIntoXML(QXmlStreamReader& reader);
     void getPlaneFeatureInfoIntoXML(QXmlStreamReader& reader);

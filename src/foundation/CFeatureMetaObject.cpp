@@ -4,10 +4,8 @@ namespace KelvOsgTools {
 
 CFeatureMetaObject::CFeatureMetaObject() = default;
 
-CFeatureMetaObject::CFeatureMetaObject(const CFeatureMetaObject& other)
-    : osg::Switch(other, osg::CopyOp::SHALLOW_COPY)
-{
-}
+CFeatureMetaObject::CFeatureMetaObject(const CFeatureMetaObject& other) : osg::Switch(other, osg::CopyOp::SHALLOW_COPY)
+{}
 
 CFeatureMetaObject::~CFeatureMetaObject() = default;
 

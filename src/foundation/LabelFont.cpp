@@ -10,6 +10,16 @@
 #include <QGuiApplication>
 
 namespace KelvOsgTools::detail {
+namespace {
+
+/// What Qt seeks substitutes for when it is asked for the family path: it takes commas for
+/// separators of families, and seeks for each of them. The last one holds the name of the file.
+QString soughtFamily(const QString& path)
+{
+    return path.section(QLatin1Char(','), -1).trimmed();
+}
+
+} // namespace
 
 bool canMeasureText()
 {
@@ -19,11 +29,12 @@ bool canMeasureText()
 void registerLabelFont(const QString& path)
 {
     if (path.isEmpty() || !canMeasureText()) return;
-    if (!QFont::substitutes(path).isEmpty() || !QFileInfo(path).isFile()) return;
+    const QString family = soughtFamily(path);
+    if (!QFont::substitutes(family).isEmpty() || !QFileInfo(path).isFile()) return;
 
     const QStringList families = QFontDatabase::applicationFontFamilies(QFontDatabase::addApplicationFont(path));
     // A file that holds no font gets the default family, so that it is not read again for every label.
-    QFont::insertSubstitution(path, families.value(0, QFont().family()));
+    QFont::insertSubstitution(family, families.value(0, QFont().family()));
 }
 
 TextExtent measureText(const QString& text, int fontSize)

@@ -16,10 +16,7 @@ featureBaseNode::featureBaseNode()
     setDataVariance(osg::Object::DYNAMIC);
 }
 
-featureBaseNode::featureBaseNode(const featureBaseNode& other)
-    : osg::Switch(other, osg::CopyOp::SHALLOW_COPY)
-{
-}
+featureBaseNode::featureBaseNode(const featureBaseNode& other) : osg::Switch(other, osg::CopyOp::SHALLOW_COPY) {}
 
 featureBaseNode::~featureBaseNode() = default;
 

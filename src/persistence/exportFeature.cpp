@@ -217,13 +217,12 @@ void exportFeature::createXML(osg::ref_ptr<osg::Group> root, QString path, QStri
 
 void exportFeature::initInfo()
 {
-    // resize, as clear would give up the capacity
-    m_DotMeta.resize(0);
-    m_DotTableMeta.resize(0);
-    m_ArrowMeta.resize(0);
-    m_ArrowTableMeta.resize(0);
-    m_PlaneMeta.resize(0);
-    m_PlaneTableMeta.resize(0);
+    m_DotMeta.clear();
+    m_DotTableMeta.clear();
+    m_ArrowMeta.clear();
+    m_ArrowTableMeta.clear();
+    m_PlaneMeta.clear();
+    m_PlaneTableMeta.clear();
 }
 
 void exportFeature::getFeatureRT(osg::ref_ptr<osg::Group> root)

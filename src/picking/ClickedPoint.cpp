@@ -7,6 +7,7 @@
 #include "picking/WindowProjection.h"
 
 #include <algorithm>
+#include <cmath>
 #include <typeinfo>
 
 namespace KelvOsgTools {
@@ -14,6 +15,8 @@ namespace {
 
 using detail::CameraPosition;
 using detail::RayHits;
+
+constexpr float kSamePositionPixels = 1e-3f;
 
 bool passesNodeNamed(const osg::NodePath& path, const std::string& name)
 {
@@ -41,22 +44,19 @@ bool letsRaysThrough(osg::Group& scene)
            !scene.getComputeBoundingSphereCallback() && !scene.getInitialBound().valid();
 }
 
-/// Whether what the camera's ray through (x, y) hits of a child of the scene, looked at alone, the
-/// ray through the whole scene hits too: the same camera, the same ray, and nothing in between.
-bool seesChildrenAsTheyAre(const CameraPosition& position, osg::Camera& master, osg::Group& scene, float x, float y)
+/// Whether a camera's position is that of the window, as far as the view's single-precision
+/// arithmetic lets it arrive there.
+bool isSamePosition(const CameraPosition& position, float x, float y)
 {
-    return position.camera == &master && position.x == x && position.y == y && typeid(master) == typeid(osg::Camera) &&
-           master.getNodeMask() != 0 && master.containsNode(&scene) && letsRaysThrough(scene);
+    return std::abs(position.x - x) < kSamePositionPixels && std::abs(position.y - y) < kSamePositionPixels;
 }
 
-/// The mesh first: if the ray hits it, nothing else needs to be looked at. If not, the rest of the
-/// scene gives the nearest hit, and the mesh's triangles are not tested again.
-bool pickMeshThenRest(const CameraPosition& position, osg::Group& scene, osg::Group& mesh, osg::Vec3f& point)
+/// Whether what the master camera's ray hits of a child of the scene, looked at alone, the ray
+/// through the whole scene hits too: the same camera, the same ray, and nothing in between.
+bool seesChildrenAsTheyAre(const CameraPosition& position, osg::Camera& master, osg::Group& scene)
 {
-    auto& camera = const_cast<osg::Camera&>(*position.camera);
-    if (takeLocalPoint(detail::rayHitsBelow(mesh, camera, position.x, position.y), point)) return true;
-    takeWorldPoint(detail::rayHits(position, {&camera, &scene, &mesh}), point);
-    return false;
+    return position.camera == &master && typeid(master) == typeid(osg::Camera) && master.getNodeMask() != 0 &&
+           master.containsNode(&scene) && letsRaysThrough(scene);
 }
 
 /// A dot takes its stored centre, not the point on its sphere.
@@ -101,11 +101,16 @@ bool getClickedPointToMeshData(osgViewer::Viewer* viewer, float x, float y, osg:
     const osg::ref_ptr<osg::Node> named = findChildByName(meshName.toStdString(), scene);
     osg::Group* const mesh = named ? named->asGroup() : nullptr;
     osg::Camera& master = *viewer->getCamera();
-    if (mesh && seesChildrenAsTheyAre(*position, master, *scene, x, y))
-        return pickMeshThenRest(*position, *scene, *mesh, point);
+    const detail::PartialHits meshHits = mesh ? detail::rayHitsOf(*mesh, master, x, y) : detail::PartialHits();
 
-    if (!takeWorldPoint(detail::rayHits(*position), point)) return false;
-    return mesh && takeLocalPoint(detail::rayHitsBelow(*mesh, master, x, y), point);
+    const bool isSameRay = isSamePosition(*position, x, y) && seesChildrenAsTheyAre(*position, master, *scene);
+    if (!mesh || !isSameRay || !meshHits.isAsInWhole)
+        return takeWorldPoint(detail::rayHits(*position), point) && takeLocalPoint(meshHits.hits, point);
+    // A hit on the mesh is a hit in the scene: nothing else needs to be looked at. Without one the
+    // rest of the scene gives the nearest hit, and the mesh's triangles are not tested again.
+    if (takeLocalPoint(meshHits.hits, point)) return true;
+    takeWorldPoint(detail::rayHits(*position, {&master, scene.get(), mesh}), point);
+    return false;
 }
 
 bool getClickedPointToMeshDataAndDotFeature(osgViewer::Viewer* viewer, const QList<QVariant>& features, float x,

@@ -2,7 +2,11 @@
 
 #include <KelvOsgTools/CTableMeta.h>
 
+#include "primitives/PixelScale.h"
+
+#include <osg/Camera>
 #include <osg/Geode>
+#include <osg/Projection>
 
 #include <algorithm>
 #include <cmath>
@@ -37,7 +41,8 @@ bool isWithin(double value, double least, double largest)
 /// Only kinds whose matrix and traversal are known can be judged from outside.
 bool isPlainAutoTransform(const osg::Transform& transform)
 {
-    return typeid(transform) == typeid(CTableMeta) || typeid(transform) == typeid(osg::AutoTransform);
+    const std::type_info& kind = typeid(transform);
+    return kind == typeid(CTableMeta) || kind == typeid(PixelTransform) || kind == typeid(osg::AutoTransform);
 }
 
 bool isPlainGeode(const osg::Node& node)
@@ -104,7 +109,21 @@ void PickVisitor::apply(osg::Group& group)
 
 void PickVisitor::apply(osg::Transform& transform)
 {
-    if (!isLeftOut() && !surelyMisses(transform)) osgUtil::IntersectionVisitor::apply(transform);
+    if (isLeftOut() || surelyMisses(transform)) return;
+    if (transform.getReferenceFrame() != osg::Transform::RELATIVE_RF) m_stayedInWorld = false;
+    osgUtil::IntersectionVisitor::apply(transform);
+}
+
+void PickVisitor::apply(osg::Projection& projection)
+{
+    m_stayedInWorld = false;
+    osgUtil::IntersectionVisitor::apply(projection);
+}
+
+void PickVisitor::apply(osg::Camera& camera)
+{
+    m_stayedInWorld = false;
+    osgUtil::IntersectionVisitor::apply(camera);
 }
 
 bool PickVisitor::isLeftOut() const

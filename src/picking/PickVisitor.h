@@ -27,9 +27,15 @@ public:
     /// Leaves out the subtree that is reached by exactly this path.
     void leaveOut(const osg::NodePath& path);
 
+    /// Whether no node was met that has a projection or a frame of its own. Up to such a node a
+    /// ray takes the same way whichever frame it was given in; below it, it does not.
+    bool stayedInWorld() const { return m_stayedInWorld; }
+
     using osgUtil::IntersectionVisitor::apply;
     void apply(osg::Group& group) override;
     void apply(osg::Transform& transform) override;
+    void apply(osg::Projection& projection) override;
+    void apply(osg::Camera& camera) override;
 
 private:
     /// Whether the pick may touch the sphere, which is in the coordinates of the present subtree.
@@ -42,6 +48,7 @@ private:
     bool surelyMisses(const osg::AutoTransform& transform, const osg::BoundingSphere& content);
 
     osg::NodePath m_leftOut;
+    bool m_stayedInWorld = true;
 };
 
 /// Picks along a ray.

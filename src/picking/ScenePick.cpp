@@ -19,14 +19,6 @@ bool knowsWindow(const osgViewer::View& view)
     return !context || context->getTraits();
 }
 
-RayHits hitsOf(osg::Node& top, osgUtil::LineSegmentIntersector& ray, const osg::NodePath& leftOut)
-{
-    RayVisitor visitor(&ray);
-    visitor.leaveOut(leftOut);
-    top.accept(visitor);
-    return std::move(ray.getIntersections());
-}
-
 } // namespace
 
 std::optional<CameraPosition> cameraAt(const osgViewer::View& view, float x, float y)
@@ -42,7 +34,10 @@ RayHits rayHits(const CameraPosition& position, const osg::NodePath& leftOut)
 {
     const osg::ref_ptr<osgUtil::LineSegmentIntersector> ray =
         new osgUtil::LineSegmentIntersector(osgUtil::Intersector::WINDOW, position.x, position.y);
-    return hitsOf(const_cast<osg::Camera&>(*position.camera), *ray, leftOut);
+    RayVisitor visitor(ray);
+    visitor.leaveOut(leftOut);
+    const_cast<osg::Camera&>(*position.camera).accept(visitor);
+    return std::move(ray->getIntersections());
 }
 
 RayHits rayHits(const osgViewer::View& view, float x, float y)
@@ -51,14 +46,16 @@ RayHits rayHits(const osgViewer::View& view, float x, float y)
     return position ? rayHits(*position) : RayHits();
 }
 
-RayHits rayHitsBelow(osg::Node& node, const osg::Camera& camera, float x, float y)
+PartialHits rayHitsOf(osg::Node& node, const osg::Camera& camera, float x, float y)
 {
     osg::Matrixd toWorld;
-    if (!toWorld.invert(worldToWindow(camera))) return {};
+    if (!isFinitePosition(x, y) || !toWorld.invert(worldToWindow(camera))) return {};
     const osg::Vec3d start = osg::Vec3d(x, y, 0.0) * toWorld;
     const osg::Vec3d end = osg::Vec3d(x, y, 1.0) * toWorld;
     const osg::ref_ptr<osgUtil::LineSegmentIntersector> ray = new osgUtil::LineSegmentIntersector(start, end);
-    return hitsOf(node, *ray, {});
+    RayVisitor visitor(ray);
+    node.accept(visitor);
+    return {std::move(ray->getIntersections()), visitor.stayedInWorld()};
 }
 
 std::optional<BoxHit> nearestInBox(const osg::Camera& camera, float x, float y, double halfSide)

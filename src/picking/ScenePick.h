@@ -32,9 +32,18 @@ RayHits rayHits(const CameraPosition& position, const osg::NodePath& leftOut = {
 /// What the ray through a window position hits in the whole scene of a view, nearest first.
 RayHits rayHits(const osgViewer::View& view, float x, float y);
 
-/// What the ray through a window position of the camera hits below a node, nearest first. The
-/// parents of the node are not looked at: its parent's coordinates are taken for the world.
-RayHits rayHitsBelow(osg::Node& node, const osg::Camera& camera, float x, float y);
+/// What a ray hits of a part of a scene, nearest first.
+struct PartialHits
+{
+    RayHits hits;
+    /// Whether a ray through the whole scene would take the same way through this part: it has no
+    /// camera, projection or absolute transform that the ray met.
+    bool isAsInWhole = true;
+};
+
+/// What the ray through a window position of the camera hits of a node and below. The parents of
+/// the node are not looked at: its parent's coordinates are taken for the world.
+PartialHits rayHitsOf(osg::Node& node, const osg::Camera& camera, float x, float y);
 
 /// What of the camera's scene is nearest in a box around a window position.
 /// @param halfSide in pixels

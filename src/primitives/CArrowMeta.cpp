@@ -23,8 +23,8 @@
 namespace KelvOsgTools {
 namespace {
 
-constexpr double kShaftShare = 0.8;         // of the whole length; the head takes the rest
-constexpr float kConeTipShare = 0.75f;      // of its height: osg::Cone centres itself a quarter above its base
+constexpr double kShaftShare = 0.8;    // of the whole length; the head takes the rest
+constexpr float kConeTipShare = 0.75f; // of its height: osg::Cone centres itself a quarter above its base
 constexpr float kWireHeadRadiusShare = 0.02f;
 constexpr float kWireHeadLengthShare = 0.05f;
 constexpr float kSelectedGrowthPixels = 1.0f;
@@ -69,11 +69,10 @@ void appendWireHead(osg::Vec3Array& vertices, float length)
     const osg::Vec3f q4(-radius, 0.0f, base);
 
     const std::array<osg::Vec3f, 8> feet = {
-        between(q1, q2, kTwoThirds), between(q1, q2, kThird), between(q1, q3, kThird), between(q1, q3, kTwoThirds),
+        between(q1, q2, kTwoThirds), between(q1, q2, kThird),     between(q1, q3, kThird), between(q1, q3, kTwoThirds),
         between(q3, q4, kThird),     between(q3, q4, kTwoThirds), between(q4, q2, kThird), between(q4, q2, kTwoThirds)};
     vertices.push_back(feet.front());
-    for (std::size_t i = 1; i <= feet.size(); ++i)
-    {
+    for (std::size_t i = 1; i <= feet.size(); ++i) {
         const osg::Vec3f& foot = feet[i % feet.size()];
         vertices.push_back(foot);
         vertices.push_back(tip);
@@ -85,8 +84,7 @@ void appendWireHead(osg::Vec3Array& vertices, float length)
 
 CArrowMeta::CArrowMeta(const structArrowMeta& meta) : m_metaStruct(meta)
 {
-    if (meta.isLineArrow)
-    {
+    if (meta.isLineArrow) {
         setArrow(meta);
         return;
     }
@@ -95,19 +93,18 @@ CArrowMeta::CArrowMeta(const structArrowMeta& meta) : m_metaStruct(meta)
     const float headHeight = course.length - shaftHeight;
     const detail::ShapeBuilder shapes(meta.ratio);
 
+    addChild(
+        detail::placed(shapes.buildCylinder(meta.radius, shaftHeight, meta.color, detail::kShaftName),
+                       detail::poseAlong(course.direction, course.start + course.direction * (shaftHeight * 0.5f))));
     addChild(detail::placed(
-        shapes.build(new osg::Cylinder(osg::Vec3f(), meta.radius, shaftHeight), meta.color, detail::kShaftName),
-        detail::poseAlong(course.direction, course.start + course.direction * (shaftHeight * 0.5f))));
-    addChild(detail::placed(
-        shapes.build(new osg::Cone(osg::Vec3f(), 2.0f * meta.radius, headHeight), meta.color, detail::kHeadName),
+        shapes.buildCone(2.0f * meta.radius, headHeight, meta.color, detail::kHeadName),
         detail::poseAlong(course.direction, course.end - course.direction * (headHeight * kConeTipShare))));
     setUserValue(detail::kFeatureTypeKey, static_cast<int>(featureLine));
 }
 
 CArrowMeta::CArrowMeta(const CArrowMeta& other)
     : CFeatureMetaObject(other), m_metaStruct(other.m_metaStruct), m_table(other.m_table), m_state(other.m_state)
-{
-}
+{}
 
 CArrowMeta::~CArrowMeta() = default;
 
@@ -138,17 +135,13 @@ void CArrowMeta::setState(featureState state)
     const featureArrowConfig& config = CFeatureConfig::sigleFeatureConfig()->getArrowConfig();
     const osg::Vec4f color = detail::colourOf(state, config.selectedColor, config.highlightedColor);
 
-    if (m_metaStruct.isLineArrow)
-    {
-        if (const osg::ref_ptr<osg::Geometry> line = detail::findBelow<osg::Geometry>(*this, detail::kArrowLineName))
-        {
+    if (m_metaStruct.isLineArrow) {
+        if (const osg::ref_ptr<osg::Geometry> line = detail::findBelow<osg::Geometry>(*this, detail::kArrowLineName)) {
             const float growth = state == featureStateSelected ? kSelectedGrowthPixels : 0.0f;
             detail::setOverallColour<osg::Vec4Array>(*line, color);
             line->getOrCreateStateSet()->setAttribute(new osg::LineWidth(m_metaStruct.lineWidth + growth));
         }
-    }
-    else
-    {
+    } else {
         for (const char* const part : {detail::kShaftName, detail::kHeadName})
             if (const osg::ref_ptr<osg::ShapeDrawable> shape = detail::findBelow<osg::ShapeDrawable>(*this, part))
                 shape->setColor(color);
@@ -178,8 +171,7 @@ void CArrowMeta::setArrow(const structArrowMeta& meta)
     const osg::Vec3f midpoint = between(course.start, course.end, 0.5f);
     const osg::ref_ptr<osg::MatrixTransform> transform =
         detail::placed(line, detail::poseAlong(course.direction, midpoint));
-    if (!meta.isDepthTest)
-    {
+    if (!meta.isDepthTest) {
         osg::StateSet* const state = transform->getChild(0)->getOrCreateStateSet();
         state->setMode(GL_LIGHTING, osg::StateAttribute::OFF);
         state->setMode(GL_DEPTH_TEST, osg::StateAttribute::OFF);

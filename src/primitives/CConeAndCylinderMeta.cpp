@@ -65,13 +65,21 @@ osg::ref_ptr<osg::AutoTransform> screenFacingLetter(const std::string& letter, c
 
     const osg::ref_ptr<osg::Geode> geode = new osg::Geode;
     geode->addDrawable(text);
-    geode->getOrCreateStateSet()->setMode(GL_LIGHTING, osg::StateAttribute::ON);
+    osg::StateSet* const state = geode->getOrCreateStateSet();
+    state->setMode(GL_LIGHTING, osg::StateAttribute::ON);
+    state->setAttribute(new osg::Program); // a host may have text drawn without shaders: not with the triad's, then
 
     osg::ref_ptr<osg::AutoTransform> transform = new osg::AutoTransform;
     transform->setAutoRotateMode(osg::AutoTransform::ROTATE_TO_SCREEN);
     transform->setPosition(position);
     transform->addChild(geode);
     return transform;
+}
+
+osgText::Text& letterOf(osg::AutoTransform& arrow)
+{
+    osg::Node* const geode = arrow.getChild(2)->asTransform()->getChild(0);
+    return *static_cast<osgText::Text*>(geode->asGeode()->getDrawable(0));
 }
 
 /// What one arrow of the triad shows: the axis as it is seen, or its parts behind other geometry.
@@ -81,13 +89,15 @@ struct Pass
     osg::ref_ptr<osg::Depth> depth; // null: that of the host
 };
 
-void drawWith(osg::Node& arrow, osg::Program& program, osg::Uniform& colour, const Pass& pass)
+void drawWith(osg::AutoTransform& arrow, osg::Program& program, osg::Uniform& colour, const Pass& pass)
 {
     osg::StateSet& state = *arrow.getOrCreateStateSet();
     state.setAttributeAndModes(&program, osg::StateAttribute::ON);
     state.addUniform(&colour);
     state.addUniform(pass.isInside);
-    if (pass.depth) state.setAttribute(pass.depth);
+    if (!pass.depth) return;
+    state.setAttribute(pass.depth);
+    letterOf(arrow).setEnableDepthWrites(false); // texts switch the depth mask themselves, whatever the state says
 }
 
 } // namespace
@@ -115,12 +125,10 @@ osg::ref_ptr<osg::AutoTransform> CConeAndCylinderMeta::createAxisArraw(const str
     arrow->setAutoScaleToScreen(true);
     arrow->setPosition(osg::Vec3d());
     arrow->addChild(
-        detail::placed(readableByShader(shapes.build(new osg::Cylinder(osg::Vec3f(), meta.radius, shaftHeight),
-                                                     meta.color, m_cylinderName)),
+        detail::placed(readableByShader(shapes.buildCylinder(meta.radius, shaftHeight, meta.color, m_cylinderName)),
                        detail::poseAlong(direction, direction * (shaftHeight * 0.5f))));
     arrow->addChild(detail::placed(
-        readableByShader(
-            shapes.build(new osg::Cone(osg::Vec3f(), 2.0f * meta.radius, headHeight), meta.color, m_coneName)),
+        readableByShader(shapes.buildCone(2.0f * meta.radius, headHeight, meta.color, m_coneName)),
         detail::poseAlong(direction, direction * meta.length - direction * (headHeight * kConeTipShare))));
     arrow->addChild(screenFacingLetter(axis.letter, meta.color, direction * meta.length * kLetterDistance));
 

@@ -36,10 +36,12 @@ CFlagAutoScaleSphereMeta::CFlagAutoScaleSphereMeta(const CAutoScaleSphereMeta::s
 }
 
 CFlagAutoScaleSphereMeta::CFlagAutoScaleSphereMeta(const CFlagAutoScaleSphereMeta& other)
-    : CFeatureMetaObject(other), m_metaStruct(other.m_metaStruct), m_sphereDrawable(other.m_sphereDrawable),
-      m_table(other.m_table), m_state(other.m_state)
-{
-}
+    : CFeatureMetaObject(other),
+      m_metaStruct(other.m_metaStruct),
+      m_sphereDrawable(other.m_sphereDrawable),
+      m_table(other.m_table),
+      m_state(other.m_state)
+{}
 
 CFlagAutoScaleSphereMeta::~CFlagAutoScaleSphereMeta() = default;
 
@@ -63,8 +65,7 @@ void CFlagAutoScaleSphereMeta::setState(featureState state)
     if (state == m_state) return;
     m_state = state;
     const featureFlagDotConfig& config = CFeatureConfig::sigleFeatureConfig()->getFlagDotConfig();
-    if (const osg::ref_ptr<osg::ShapeDrawable> sphere = getShpereDrawableNode())
-    {
+    if (const osg::ref_ptr<osg::ShapeDrawable> sphere = getShpereDrawableNode()) {
         const double growth = state == featureStateSelected ? kSelectedGrowthPixels : 0.0;
         detail::resizeSphere(*sphere, static_cast<float>(m_metaStruct.radius + growth));
         sphere->setColor(detail::colourOf(state, config.selectedColor, config.highlightedColor));

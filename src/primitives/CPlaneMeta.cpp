@@ -69,8 +69,7 @@ CPlaneMeta::CPlaneMeta(structPlaneMeta& meta) : m_PlaneMeta(meta)
 
 CPlaneMeta::CPlaneMeta(const CPlaneMeta& other)
     : CFeatureMetaObject(other), m_PlaneMeta(other.m_PlaneMeta), m_state(other.m_state), m_table(other.m_table)
-{
-}
+{}
 
 CPlaneMeta::~CPlaneMeta() = default;
 
@@ -114,8 +113,7 @@ void CPlaneMeta::setState(featureState state)
 void CPlaneMeta::creatPlane(structPlaneMeta& meta)
 {
     const osg::ref_ptr<osg::Vec3Array> points = new osg::Vec3Array(meta.pointVec.begin(), meta.pointVec.end());
-    const osg::ref_ptr<osg::Geometry> patch =
-        planeGeometry(detail::kPlanePatchName, points, GL_QUADS, meta.planeColor);
+    const osg::ref_ptr<osg::Geometry> patch = planeGeometry(detail::kPlanePatchName, points, GL_QUADS, meta.planeColor);
     // Some drivers draw the three vertices of an incomplete quad as a triangle.
     if (points->size() < kPointsOfQuad) patch->setNodeMask(0);
     patch->setUseDisplayList(false);

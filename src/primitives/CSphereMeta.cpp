@@ -2,6 +2,7 @@
 
 #include <KelvOsgTools/CFeatureConfig.h>
 
+#include "foundation/Finite.h"
 #include "foundation/SceneMarks.h"
 #include "primitives/Colours.h"
 #include "primitives/LabelAttachment.h"
@@ -21,9 +22,14 @@ CSphereMeta::~CSphereMeta() = default;
 
 osg::ref_ptr<osg::Geode> CSphereMeta::CreateSphereMeta(const structSphereMeta& meta)
 {
+    const bool hasPlace = detail::isFinite(meta.cneterPos);
+    const osg::Vec3f centre = hasPlace ? meta.cneterPos : osg::Vec3f();
+    const osg::ref_ptr<osg::ShapeDrawable> drawable =
+        detail::ShapeBuilder(meta.ratio).build(new osg::Sphere(centre, meta.radius), meta.color);
+    if (!hasPlace) drawable->setNodeMask(0); // not that of the geode, which visible() sets
+
     const osg::ref_ptr<osg::Geode> geode = new osg::Geode;
-    geode->addDrawable(
-        detail::ShapeBuilder(meta.ratio).build(new osg::Sphere(meta.cneterPos, meta.radius), meta.color));
+    geode->addDrawable(drawable);
     geode->setName(meta.nodeName);
     m_geode = geode;
     return geode;
@@ -58,10 +64,13 @@ CAutoScaleSphereMeta::CAutoScaleSphereMeta(const structSphereMeta& meta)
 }
 
 CAutoScaleSphereMeta::CAutoScaleSphereMeta(const CAutoScaleSphereMeta& other)
-    : CFeatureMetaObject(other), m_metaStruct(other.m_metaStruct), m_sphereDrawable(other.m_sphereDrawable),
-      m_table(other.m_table), m_state(other.m_state), m_tableMeta(other.m_tableMeta)
-{
-}
+    : CFeatureMetaObject(other),
+      m_metaStruct(other.m_metaStruct),
+      m_sphereDrawable(other.m_sphereDrawable),
+      m_table(other.m_table),
+      m_state(other.m_state),
+      m_tableMeta(other.m_tableMeta)
+{}
 
 CAutoScaleSphereMeta::~CAutoScaleSphereMeta() = default;
 

@@ -8,6 +8,8 @@
 #include "foundation/SceneMarks.h"
 #include "primitives/Colours.h"
 #include "primitives/FlatGeometry.h"
+#include "primitives/LabelGlyphs.h"
+#include "primitives/PixelScale.h"
 #include "primitives/ScreenSphere.h"
 
 #include <osg/GL>
@@ -21,8 +23,8 @@ namespace KelvOsgTools {
 namespace {
 
 constexpr int kNoIndex = -1;
-constexpr int kRectangleLift = 10;       // from the anchor point to the rectangle's bottom
-constexpr float kTextLift = 13.0f;       // from the anchor point to the text's bottom
+constexpr int kRectangleLift = 10; // from the anchor point to the rectangle's bottom
+constexpr float kTextLift = 13.0f; // from the anchor point to the text's bottom
 constexpr float kOutlineWidthPixels = 2.0f;
 constexpr unsigned int kGlyphResolution = 64;
 
@@ -39,7 +41,7 @@ QString labelText(const CTableMeta::structTableMeta& meta)
 osg::ref_ptr<osgText::Text> layOutText(const std::wstring& text, float fontSize)
 {
     osg::ref_ptr<osgText::Text> drawable = new osgText::Text;
-    drawable->setFont(detail::labelFontFile());
+    drawable->setFont(detail::labelGlyphs());
     drawable->setFontResolution(kGlyphResolution, kGlyphResolution);
     drawable->setCharacterSize(fontSize);
     drawable->setAxisAlignment(osgText::TextBase::XY_PLANE);
@@ -108,12 +110,17 @@ CTableMeta::CTableMeta(const structTableMeta& meta) : m_metaStruct(meta)
 }
 
 CTableMeta::CTableMeta(const CTableMeta& other)
-    : osg::AutoTransform(other, osg::CopyOp::SHALLOW_COPY), m_rectTop(other.m_rectTop),
-      m_rectBottom(other.m_rectBottom), m_rectLeft(other.m_rectLeft), m_rectRight(other.m_rectRight),
-      m_metaStruct(other.m_metaStruct), m_squareGeometry(other.m_squareGeometry),
-      m_lineGeometry(other.m_lineGeometry), m_textDrawable(other.m_textDrawable), m_state(other.m_state)
-{
-}
+    : osg::AutoTransform(other, osg::CopyOp::SHALLOW_COPY),
+      m_rectTop(other.m_rectTop),
+      m_rectBottom(other.m_rectBottom),
+      m_rectLeft(other.m_rectLeft),
+      m_rectRight(other.m_rectRight),
+      m_metaStruct(other.m_metaStruct),
+      m_squareGeometry(other.m_squareGeometry),
+      m_lineGeometry(other.m_lineGeometry),
+      m_textDrawable(other.m_textDrawable),
+      m_state(other.m_state)
+{}
 
 CTableMeta::~CTableMeta() = default;
 
@@ -124,6 +131,7 @@ const CTableMeta::structTableMeta& CTableMeta::getMetaStruct() const
 
 bool CTableMeta::checkClickPointIsInsideTable(const osg::Matrixd& toWindow, float x, float y)
 {
+    if (!detail::isFinite(m_metaStruct.pos)) return false; // hidden, and at no position of its own
     const osg::Vec3d anchor = toWindow.preMult(getPosition());
     const double dx = x - anchor.x();
     const double dy = y - anchor.y();
@@ -143,6 +151,25 @@ void CTableMeta::setState(featureState state)
     if (state == m_state) return;
     m_state = state;
     updateState(state);
+}
+
+bool CTableMeta::computeLocalToWorldMatrix(osg::Matrix& matrix, osg::NodeVisitor* visitor) const
+{
+    osg::AutoTransform::computeLocalToWorldMatrix(matrix, visitor);
+    const double correction = detail::pixelCorrection(*this, visitor); // the hit test counts in pixels
+    matrix.preMultScale(osg::Vec3d(correction, correction, correction));
+    _scale *= correction; // which stays for the visitors that follow, until the next cull
+    return true;
+}
+
+bool CTableMeta::computeWorldToLocalMatrix(osg::Matrix& matrix, osg::NodeVisitor* visitor) const
+{
+    osg::AutoTransform::computeWorldToLocalMatrix(matrix, visitor);
+    const double correction = detail::pixelCorrection(*this, visitor);
+    const double inverse = 1.0 / correction;
+    matrix.postMultScale(osg::Vec3d(inverse, inverse, inverse));
+    _scale *= correction;
+    return true;
 }
 
 void CTableMeta::init()

@@ -1,7 +1,8 @@
 #include "primitives/ScreenSphere.h"
 
 #include "foundation/Finite.h"
-#include "primitives/ShapeBuilder.h"
+#include "primitives/PixelScale.h"
+#include "primitives/SphereDrawable.h"
 
 #include <osg/GL>
 #include <osg/Geode>
@@ -13,13 +14,20 @@ namespace KelvOsgTools::detail {
 osg::ref_ptr<osg::ShapeDrawable> makeSphere(float radius, float detailRatio, const osg::Vec4f& color,
                                             const std::string& name)
 {
-    return ShapeBuilder(detailRatio).build(new osg::Sphere(osg::Vec3f(), radius), color, name);
+    osg::ref_ptr<osg::ShapeDrawable> drawable = new SphereDrawable(radius, detailRatio);
+    drawable->setColor(color);
+    drawable->setName(name);
+    return drawable;
 }
 
 void resizeSphere(osg::ShapeDrawable& drawable, float radius)
 {
     auto* const sphere = dynamic_cast<osg::Sphere*>(drawable.getShape());
     if (!sphere) return;
+    if (auto* const shared = dynamic_cast<SphereDrawable*>(&drawable)) {
+        shared->resize(*sphere, radius);
+        return;
+    }
     sphere->setRadius(radius);
     drawable.build();
 }
@@ -31,7 +39,7 @@ osg::ref_ptr<osg::AutoTransform> screenSized(osg::Drawable* drawable, const osg:
     geode->addDrawable(drawable);
     geode->getOrCreateStateSet()->setMode(GL_RESCALE_NORMAL, osg::StateAttribute::ON);
 
-    osg::ref_ptr<osg::AutoTransform> transform = new osg::AutoTransform;
+    osg::ref_ptr<osg::AutoTransform> transform = new PixelTransform;
     transform->addChild(geode);
     transform->setAutoRotateMode(rotation);
     keepScreenSize(*transform);

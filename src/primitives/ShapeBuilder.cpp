@@ -1,21 +1,59 @@
 #include "primitives/ShapeBuilder.h"
 
+#include "primitives/RoundSolids.h"
+
+#include <osg/Geode>
+
+#include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace KelvOsgTools::detail {
 namespace {
 
 constexpr float kMaxBuiltRatio = 25.0f; // a sphere of 1000 segments
+constexpr float kStandardSegments = 40.0f;
+constexpr float kMinSegments = 5.0f;
 
 float buildableRatio(float ratio)
 {
-    // Neither a NaN nor a negative number can become a number of segments.
+    // Neither a NaN nor a negative number can become a number of segments; 0 stands for the standard.
     return ratio > 0.0f ? std::fmin(ratio, kMaxBuiltRatio) : 0.0f;
+}
+
+/// A shape drawable that shares arrays with others and keeps alive what they share.
+class SharingDrawable : public osg::ShapeDrawable
+{
+public:
+    SharingDrawable(osg::Shape* shape, osg::TessellationHints* hints)
+    {
+        _shape = shape; // not by setShape, which would tessellate it
+        _tessellationHints = hints;
+    }
+
+    void keep(osg::ref_ptr<osg::Referenced> shared) { m_shared = std::move(shared); }
+
+protected:
+    ~SharingDrawable() override = default;
+
+private:
+    osg::ref_ptr<osg::Referenced> m_shared;
+};
+
+/// The look of a new drawable.
+void dress(osg::ShapeDrawable& drawable, const osg::Vec4f& color, const std::string& name)
+{
+    drawable.setDataVariance(osg::Object::DYNAMIC); // states recolour it while frames are drawn
+    drawable.setColor(color);
+    drawable.setName(name);
 }
 
 } // namespace
 
-ShapeBuilder::ShapeBuilder(float detailRatio) : m_reportedRatio(detailRatio), m_hints(new osg::TessellationHints) {}
+ShapeBuilder::ShapeBuilder(float detailRatio) : m_reportedRatio(detailRatio), m_hints(new osg::TessellationHints)
+{
+    m_hints->setDetailRatio(detailRatio);
+}
 
 osg::ref_ptr<osg::ShapeDrawable> ShapeBuilder::build(osg::Shape* shape, const osg::Vec4f& color,
                                                      const std::string& name) const
@@ -23,10 +61,34 @@ osg::ref_ptr<osg::ShapeDrawable> ShapeBuilder::build(osg::Shape* shape, const os
     m_hints->setDetailRatio(buildableRatio(m_reportedRatio));
     osg::ref_ptr<osg::ShapeDrawable> drawable = new osg::ShapeDrawable(shape, m_hints);
     m_hints->setDetailRatio(m_reportedRatio);
-    drawable->setDataVariance(osg::Object::DYNAMIC); // states recolour it while frames are drawn
-    drawable->setColor(color);
-    drawable->setName(name);
+    dress(*drawable, color, name);
     return drawable;
+}
+
+osg::ref_ptr<osg::ShapeDrawable> ShapeBuilder::buildCylinder(float radius, float height, const osg::Vec4f& color,
+                                                             const std::string& name) const
+{
+    osg::ref_ptr<SharingDrawable> drawable =
+        new SharingDrawable(new osg::Cylinder(osg::Vec3f(), radius, height), m_hints);
+    drawable->keep(setCylinderArrays(*drawable, segments(), radius, height, m_buffer));
+    dress(*drawable, color, name);
+    return drawable;
+}
+
+osg::ref_ptr<osg::ShapeDrawable> ShapeBuilder::buildCone(float radius, float height, const osg::Vec4f& color,
+                                                         const std::string& name) const
+{
+    osg::ref_ptr<SharingDrawable> drawable = new SharingDrawable(new osg::Cone(osg::Vec3f(), radius, height), m_hints);
+    drawable->keep(setConeArrays(*drawable, segments(), radius, height, m_buffer));
+    dress(*drawable, color, name);
+    return drawable;
+}
+
+unsigned int ShapeBuilder::segments() const
+{
+    const float ratio = buildableRatio(m_reportedRatio);
+    return static_cast<unsigned int>(ratio > 0.0f ? std::max(kStandardSegments * ratio, kMinSegments)
+                                                  : kStandardSegments);
 }
 
 osg::Matrixd poseAlong(const osg::Vec3f& direction, const osg::Vec3f& position)

@@ -1,8 +1,9 @@
 #pragma once
 
-#include <osg/Geode>
-#include <osg/Matrixd>
+#include <osg/BufferObject>
+#include <osg/Drawable>
 #include <osg/MatrixTransform>
+#include <osg/Matrixd>
 #include <osg/Shape>
 #include <osg/ShapeDrawable>
 #include <osg/Vec3f>
@@ -22,12 +23,25 @@ public:
     ///        keeps them within some hundred thousand vertices, since it may come from a file.
     explicit ShapeBuilder(float detailRatio);
 
+    /// Any shape, tessellated by OpenSceneGraph.
     osg::ref_ptr<osg::ShapeDrawable> build(osg::Shape* shape, const osg::Vec4f& color,
                                            const std::string& name = {}) const;
 
+    /// A cylinder along Z around the origin: the surface that build() makes, in one indexed primitive.
+    osg::ref_ptr<osg::ShapeDrawable> buildCylinder(float radius, float height, const osg::Vec4f& color,
+                                                   const std::string& name) const;
+
+    /// A cone along Z around the origin: the surface that build() makes, in one indexed primitive and
+    /// without the rows that OpenSceneGraph divides its flat facets into, a twentieth of the memory.
+    osg::ref_ptr<osg::ShapeDrawable> buildCone(float radius, float height, const osg::Vec4f& color,
+                                               const std::string& name) const;
+
 private:
+    unsigned int segments() const;
+
     float m_reportedRatio;
     osg::ref_ptr<osg::TessellationHints> m_hints;
+    osg::ref_ptr<osg::VertexBufferObject> m_buffer = new osg::VertexBufferObject; // of the indexed shapes
 };
 
 /// Turns what is built along +Z onto direction and moves it to position. No direction, no rotation:

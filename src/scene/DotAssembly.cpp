@@ -47,19 +47,16 @@ CAutoScaleSphereMeta::structSphereMeta flagRecord(const osg::Vec3f& point)
 } // namespace
 
 osg::ref_ptr<osg::Group> createTable(const CTableMeta::structTableMeta& meta)
-try
-{
+try {
     return new CTableMeta(meta);
-}
-catch (const std::bad_alloc&)
-{
+} catch (const std::bad_alloc&) {
     return nullptr;
 }
 
 osg::ref_ptr<osg::Group> createAutoScaleShpereAndTable(QString name, osg::ref_ptr<osg::Group> scene, osg::Vec3f point,
                                                        int renderIndex, QString tableNamePrefix,
                                                        int tableNameIndexSuffix, featureState state, bool isBottom)
-{
+try {
     const auto build = [&]() -> osg::ref_ptr<osg::Node> {
         CTableMeta::structTableMeta label =
             detail::labelRecord(point, {renderIndex, tableNamePrefix, tableNameIndexSuffix});
@@ -72,13 +69,15 @@ osg::ref_ptr<osg::Group> createAutoScaleShpereAndTable(QString name, osg::ref_pt
     };
     const osg::ref_ptr<osg::Node> dot = detail::hangFeature(scene, featureDot, name.toStdString(), build);
     return dot ? dot->asGroup() : nullptr;
+} catch (const std::bad_alloc&) {
+    return nullptr;
 }
 
 osg::ref_ptr<osg::Group> createFlagAutoScaleShpereAndTable(QString name, osg::ref_ptr<osg::Group> scene,
                                                            osg::Vec3f point, int renderIndex, QString tableNamePrefix,
                                                            int tableNameIndexSuffix, featureType kind,
                                                            bool useFlagFontSize, bool)
-{
+try {
     const auto build = [&]() -> osg::ref_ptr<osg::Node> {
         CTableMeta::structTableMeta label =
             detail::labelRecord(point, {renderIndex, tableNamePrefix, tableNameIndexSuffix});
@@ -91,6 +90,8 @@ osg::ref_ptr<osg::Group> createFlagAutoScaleShpereAndTable(QString name, osg::re
     };
     const osg::ref_ptr<osg::Node> flag = detail::hangFeature(scene, kind, name.toStdString(), build);
     return flag ? flag->asGroup() : nullptr;
+} catch (const std::bad_alloc&) {
+    return nullptr;
 }
 
 } // namespace KelvOsgTools

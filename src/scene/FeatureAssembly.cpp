@@ -5,53 +5,64 @@
 
 #include "scene/FeatureRoots.h"
 
-#include <new>
-
 namespace KelvOsgTools::detail {
 namespace {
 
-/// Takes back the roots that a failed assembly made on its way.
+/// Takes back the roots that a failed assembly made on its way. It only counts: when memory is
+/// exhausted there is none to look names up with.
 class FreshRoots
 {
 public:
-    FreshRoots(osg::ref_ptr<osg::Group> scene, featureType kind)
-        : m_scene(std::move(scene)), m_kind(kind), m_hadCommonRoot(find(featureAll)), m_hadRoot(find(kind))
-    {
-    }
+    explicit FreshRoots(const osg::ref_ptr<osg::Group>& scene)
+        : m_scene(scene),
+          m_sceneSize(sizeOf(scene)),
+          m_content(existingContent(scene, featureAll)),
+          m_contentSize(sizeOf(m_content))
+    {}
     FreshRoots(const FreshRoots&) = delete;
     FreshRoots& operator=(const FreshRoots&) = delete;
 
     ~FreshRoots()
     {
         if (m_kept) return;
-        if (!m_hadCommonRoot)
-            removeFromParent(find(featureAll));
-        else if (!m_hadRoot)
-            removeFromParent(find(m_kind));
+        removeFrom(m_scene, m_sceneSize);
+        removeFrom(m_content, m_contentSize);
     }
 
     void keep() { m_kept = true; }
 
 private:
-    osg::ref_ptr<osg::Group> find(featureType kind) const { return findOrCreateFeatureRootNode(m_scene, kind, false); }
+    static unsigned int sizeOf(const osg::ref_ptr<osg::Group>& group) { return group ? group->getNumChildren() : 0; }
 
-    static void removeFromParent(const osg::ref_ptr<osg::Group>& root)
+    static void removeFrom(const osg::ref_ptr<osg::Group>& group, unsigned int formerSize)
     {
-        if (root && root->getNumParents() > 0) root->getParent(0)->removeChild(root);
+        if (sizeOf(group) > formerSize) group->removeChildren(formerSize, group->getNumChildren() - formerSize);
     }
 
     osg::ref_ptr<osg::Group> m_scene;
-    featureType m_kind;
-    bool m_hadCommonRoot;
-    bool m_hadRoot;
+    unsigned int m_sceneSize;
+    osg::ref_ptr<osg::Group> m_content; // of the common root; null if that has to be made
+    unsigned int m_contentSize;
     bool m_kept = false;
 };
+
+/// Fetches a node ahead of its use. Thousands of nodes lie scattered in memory: waiting for each is
+/// what a search of their names would spend its time on.
+void prefetch([[maybe_unused]] const osg::Node* node)
+{
+#if defined(__GNUC__)
+    if (node) __builtin_prefetch(&node->getName());
+#endif
+}
 
 /// Removes the children of that name, save the last child of the group.
 void removeFormerChildren(osg::Group& group, const std::string& name)
 {
-    for (unsigned int i = group.getNumChildren() - 1; i-- > 0;)
+    constexpr unsigned int kAhead = 16;
+    for (unsigned int i = group.getNumChildren() - 1; i-- > 0;) {
+        if (i >= kAhead) prefetch(group.getChild(i - kAhead));
         if (const osg::Node* child = group.getChild(i); child && child->getName() == name) group.removeChildren(i, 1);
+    }
 }
 
 } // namespace
@@ -74,12 +85,9 @@ CTableMeta::structTableMeta labelRecord(const osg::Vec3f& pos, const LabelArgume
 void appendChild(osg::Group& group, osg::Node* child)
 {
     const unsigned int end = group.getNumChildren();
-    try
-    {
+    try {
         group.addChild(child);
-    }
-    catch (...)
-    {
+    } catch (...) {
         // The group may hold the child already while the child does not know its parent.
         if (group.getNumChildren() > end) group.removeChildren(end, 1);
         throw;
@@ -88,9 +96,8 @@ void appendChild(osg::Group& group, osg::Node* child)
 
 osg::ref_ptr<osg::Node> hangFeature(const osg::ref_ptr<osg::Group>& scene, featureType kind, std::string name,
                                     const std::function<osg::ref_ptr<osg::Node>()>& build)
-try
 {
-    FreshRoots freshRoots(scene, kind);
+    FreshRoots freshRoots(scene);
     const osg::ref_ptr<osg::Group> content = contentGroup(findOrCreateFeatureRootNode(scene, kind, true));
     if (!content) return nullptr;
 
@@ -100,10 +107,6 @@ try
     removeFormerChildren(*content, name);
     freshRoots.keep();
     return feature;
-}
-catch (const std::bad_alloc&)
-{
-    return nullptr;
 }
 
 } // namespace KelvOsgTools::detail

@@ -33,7 +33,7 @@ void appendChild(osg::Group& group, osg::Node* child);
 /// children of that name. The scene changes only once the node stands: when build throws, or there
 /// is no root for it, the scene is left as it was.
 /// @param name by value, as it may belong to the very node that is replaced
-/// @return null if there is no usable root or memory is exhausted; other exceptions pass through
+/// @return null if there is no usable root; exceptions, of exhausted memory too, are the caller's
 osg::ref_ptr<osg::Node> hangFeature(const osg::ref_ptr<osg::Group>& scene, featureType kind, std::string name,
                                     const std::function<osg::ref_ptr<osg::Node>()>& build);
 

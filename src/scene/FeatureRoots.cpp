@@ -32,13 +32,17 @@ namespace {
 /// Name of the root of a kind; null for kinds without a root of their own.
 const char* rootNameOf(featureType kind)
 {
-    switch (kind)
-    {
-    case featureDot: return detail::kDotRootName;
-    case featureLine: return detail::kLineRootName;
-    case featurePlane: return detail::kPlaneRootName;
-    case featureTable: return detail::kTableRootName;
-    default: return nullptr;
+    switch (kind) {
+    case featureDot:
+        return detail::kDotRootName;
+    case featureLine:
+        return detail::kLineRootName;
+    case featurePlane:
+        return detail::kPlaneRootName;
+    case featureTable:
+        return detail::kTableRootName;
+    default:
+        return nullptr;
     }
 }
 
@@ -65,8 +69,7 @@ void forEachTemporaryChild(osg::Group& group, const std::function<void(unsigned 
 } // namespace
 
 osg::ref_ptr<osg::Node> findOrCreateNode(const std::string& name, osg::ref_ptr<osg::Group> parent, bool create)
-try
-{
+try {
     if (!parent) return nullptr;
     if (osg::ref_ptr<osg::Node> found = findChildByName(name, parent); found || !create) return found;
 
@@ -74,9 +77,7 @@ try
     created->setName(name);
     detail::appendChild(*parent, created);
     return created;
-}
-catch (const std::bad_alloc&)
-{
+} catch (const std::bad_alloc&) {
     return nullptr;
 }
 
@@ -123,7 +124,7 @@ osg::ref_ptr<osg::Node> findFeatureByName(const std::string& name, osg::ref_ptr<
 }
 
 osg::ref_ptr<osg::Node> findOrCreateShpere(const std::string& name, osg::ref_ptr<osg::Group> scene, osg::Vec3f centre)
-{
+try {
     return detail::hangFeature(scene, featureDot, name, [&]() -> osg::ref_ptr<osg::Node> {
         CSphereMeta::structSphereMeta meta;
         meta.cneterPos = centre;
@@ -134,6 +135,8 @@ osg::ref_ptr<osg::Node> findOrCreateShpere(const std::string& name, osg::ref_ptr
         const osg::ref_ptr<CSphereMeta> maker = new CSphereMeta;
         return maker->CreateSphereMeta(meta);
     });
+} catch (const std::bad_alloc&) {
+    return nullptr;
 }
 
 bool switchFeatureRoot(osg::ref_ptr<osg::Group> scene, bool on, featureType kind)
@@ -167,14 +170,14 @@ bool removeFeatureRoot(osg::ref_ptr<osg::Group> scene, featureType kind)
     if (kind == featureAll) commonRoot->removeChildren(0, 1);
     // The root of a kind hangs under the common root's transform, not under the common root, so this
     // removes nothing: hosts rely on the root of one kind surviving.
-    else if (isDotLineOrPlane(kind)) commonRoot->removeChild(findOrCreateFeatureRootNode(scene, kind, false));
+    else if (isDotLineOrPlane(kind))
+        commonRoot->removeChild(findOrCreateFeatureRootNode(scene, kind, false));
     return true;
 }
 
 bool clearFeatureRootTempNode(osg::ref_ptr<osg::Group> scene, featureType kind)
 {
-    if (kind == featureAll)
-    {
+    if (kind == featureAll) {
         for (const featureType each : {featureDot, featureLine, featurePlane}) clearFeatureRootTempNode(scene, each);
         return false; // although all three were cleared: hosts rely on this answer
     }

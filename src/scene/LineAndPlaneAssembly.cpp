@@ -7,6 +7,7 @@
 #include "scene/FeatureAssembly.h"
 
 #include <algorithm>
+#include <new>
 #include <numeric>
 
 namespace KelvOsgTools {
@@ -23,8 +24,7 @@ osg::Vec3f centroidOf(const std::vector<osg::Vec3f>& points)
 
 float normalArrowLength(const std::vector<osg::Vec3f>& points)
 {
-    const float longerEdge =
-        std::max((points.at(0) - points.at(1)).length(), (points.at(1) - points.at(2)).length());
+    const float longerEdge = std::max((points.at(0) - points.at(1)).length(), (points.at(1) - points.at(2)).length());
     return std::max(kNormalArrowShare * longerEdge, kNormalArrowMinLength);
 }
 
@@ -83,7 +83,7 @@ void addNormalArrows(CPlaneMeta& plane, const std::vector<osg::Vec3f>& points, c
 osg::ref_ptr<osg::Group> createArrowAndTable(featureState state, const CArrowMeta::structArrowMeta& meta,
                                              osg::ref_ptr<osg::Group> scene, int renderIndex, QString tableNamePrefix,
                                              int tableNameIndexSuffix)
-{
+try {
     const auto build = [&]() -> osg::ref_ptr<osg::Node> {
         const osg::Vec3f midpoint = (meta.startPos + meta.endPos) * 0.5f;
         const osg::ref_ptr<CArrowMeta> arrow = new CArrowMeta(meta);
@@ -94,12 +94,14 @@ osg::ref_ptr<osg::Group> createArrowAndTable(featureState state, const CArrowMet
     };
     const osg::ref_ptr<osg::Node> arrow = detail::hangFeature(scene, featureLine, meta.name, build);
     return arrow ? arrow->asGroup() : nullptr;
+} catch (const std::bad_alloc&) {
+    return nullptr;
 }
 
 osg::ref_ptr<osg::Group> createPlaneAndTable(featureState state, QString name, osg::ref_ptr<osg::Group> scene,
                                              std::vector<osg::Vec3f> points, osg::Vec3f normal, int renderIndex,
                                              QString tableNamePrefix, int tableNameIndexSuffix)
-{
+try {
     const auto build = [&]() -> osg::ref_ptr<osg::Node> {
         CPlaneMeta::structPlaneMeta meta = planeRecord(name, points);
         const osg::ref_ptr<CPlaneMeta> plane = new CPlaneMeta(meta);
@@ -111,6 +113,8 @@ osg::ref_ptr<osg::Group> createPlaneAndTable(featureState state, QString name, o
     };
     const osg::ref_ptr<osg::Node> plane = detail::hangFeature(scene, featurePlane, name.toStdString(), build);
     return plane ? plane->asGroup() : nullptr;
+} catch (const std::bad_alloc&) {
+    return nullptr;
 }
 
 } // namespace KelvOsgTools

@@ -37,13 +37,11 @@ findNodeVisitor::findNodeVisitor(const QString& name) : findNodeVisitor(QStringL
 
 findNodeVisitor::findNodeVisitor(const QStringList& names)
     : osg::NodeVisitor(osg::NodeVisitor::TRAVERSE_ALL_CHILDREN), m_names(names)
-{
-}
+{}
 
 findNodeVisitor::findNodeVisitor(const findNodeVisitor& other)
     : osg::Object(other), osg::NodeVisitor(other), m_names(other.m_names), m_foundNodes(other.m_foundNodes)
-{
-}
+{}
 
 findNodeVisitor::~findNodeVisitor() = default;
 
@@ -61,15 +59,13 @@ void findNodeVisitor::apply(osg::Node& node)
 
 FindNamedNodeVisitor::FindNamedNodeVisitor(const std::vector<std::string>& names)
     : osg::NodeVisitor(osg::NodeVisitor::TRAVERSE_ALL_CHILDREN), m_names(names)
-{
-}
+{}
 
 FindNamedNodeVisitor::FindNamedNodeVisitor(const QStringList& names) : FindNamedNodeVisitor(toUtf8(names)) {}
 
 FindNamedNodeVisitor::FindNamedNodeVisitor(const FindNamedNodeVisitor& other)
     : osg::Object(other), osg::NodeVisitor(other), m_foundNodes(other.m_foundNodes), m_names(other.m_names)
-{
-}
+{}
 
 FindNamedNodeVisitor::~FindNamedNodeVisitor() = default;
 
@@ -82,14 +78,14 @@ void FindNamedNodeVisitor::apply(osg::Node& node)
 
 FindFeatureNodeVisitor::FindFeatureNodeVisitor(const std::vector<featureType>& kinds)
     : osg::NodeVisitor(osg::NodeVisitor::TRAVERSE_ALL_CHILDREN), m_featureTypes(kinds)
-{
-}
+{}
 
 FindFeatureNodeVisitor::FindFeatureNodeVisitor(const FindFeatureNodeVisitor& other)
-    : osg::Object(other), osg::NodeVisitor(other), m_foundNodes(other.m_foundNodes),
+    : osg::Object(other),
+      osg::NodeVisitor(other),
+      m_foundNodes(other.m_foundNodes),
       m_featureTypes(other.m_featureTypes)
-{
-}
+{}
 
 FindFeatureNodeVisitor::~FindFeatureNodeVisitor() = default;
 

@@ -26,8 +26,7 @@ osg::ref_ptr<osg::Image> differencePicture(const osg::Image& a, const osg::Image
     osg::ref_ptr<osg::Image> result = new osg::Image;
     result->allocateImage(a.s(), a.t(), 1, GL_RGB, GL_UNSIGNED_BYTE);
     for (int y = 0; y < a.t(); ++y)
-        for (int x = 0; x < a.s(); ++x)
-        {
+        for (int x = 0; x < a.s(); ++x) {
             const int value = std::min(255, 8 * difference(pixelAt(a, x, y), pixelAt(b, x, y)));
             std::fill_n(result->data(static_cast<unsigned>(x), static_cast<unsigned>(y)), 3,
                         static_cast<unsigned char>(value));
@@ -58,19 +57,53 @@ int difference(const Pixel& a, const Pixel& b)
     return std::max({std::abs(a.r - b.r), std::abs(a.g - b.g), std::abs(a.b - b.b)});
 }
 
-PixelBox boxOfDifference(const osg::Image& picture, const Pixel& background, int tolerance)
+std::ostream& operator<<(std::ostream& stream, const PixelBox& box)
 {
-    PixelBox box{picture.s(), picture.t(), -1, -1};
-    for (int y = 0; y < picture.t(); ++y)
-        for (int x = 0; x < picture.s(); ++x)
-            if (difference(pixelAt(picture, x, y), background) > tolerance)
-            {
+    return stream << "x " << box.left << " to " << box.right << ", y " << box.bottom << " to " << box.top;
+}
+
+::testing::AssertionResult boxesNear(const PixelBox& a, const PixelBox& b, int pixels)
+{
+    const int farthest = std::max({std::abs(a.left - b.left), std::abs(a.right - b.right),
+                                   std::abs(a.bottom - b.bottom), std::abs(a.top - b.top)});
+    if (farthest <= pixels) return ::testing::AssertionSuccess();
+    return ::testing::AssertionFailure() << "boxes differ by " << farthest << " pixels: " << a << " and " << b;
+}
+
+osg::ref_ptr<osg::Image> cut(const osg::Image& picture, const PixelBox& box)
+{
+    osg::ref_ptr<osg::Image> part = new osg::Image;
+    part->allocateImage(box.width(), box.height(), 1, GL_RGB, GL_UNSIGNED_BYTE);
+    for (int y = 0; y < box.height(); ++y)
+        std::copy_n(picture.data(static_cast<unsigned>(box.left), static_cast<unsigned>(box.bottom + y)),
+                    3 * box.width(), part->data(0, static_cast<unsigned>(y)));
+    return part;
+}
+
+PixelBox boxWhere(int width, int height, const std::function<bool(int x, int y)>& test)
+{
+    PixelBox box{width, height, -1, -1};
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x)
+            if (test(x, y)) {
                 box.left = std::min(box.left, x);
                 box.right = std::max(box.right, x);
                 box.bottom = std::min(box.bottom, y);
                 box.top = std::max(box.top, y);
             }
     return box.right < 0 ? PixelBox{} : box;
+}
+
+PixelBox boxOfDifference(const osg::Image& picture, const Pixel& background, int tolerance)
+{
+    return boxWhere(picture.s(), picture.t(),
+                    [&](int x, int y) { return difference(pixelAt(picture, x, y), background) > tolerance; });
+}
+
+PixelBox boxOfColour(const osg::Image& picture, const Pixel& colour, int tolerance)
+{
+    return boxWhere(picture.s(), picture.t(),
+                    [&](int x, int y) { return difference(pixelAt(picture, x, y), colour) <= tolerance; });
 }
 
 int countPixels(const osg::Image& picture, const Pixel& colour, int tolerance)
@@ -91,8 +124,7 @@ int countPixels(const osg::Image& picture, const Pixel& colour, int tolerance)
     int different = 0;
     int largest = 0;
     for (int y = 0; y < picture.t(); ++y)
-        for (int x = 0; x < picture.s(); ++x)
-        {
+        for (int x = 0; x < picture.s(); ++x) {
             const int delta = difference(pixelAt(picture, x, y), pixelAt(expected, x, y));
             largest = std::max(largest, delta);
             if (delta > tolerance.perChannel) ++different;
@@ -110,14 +142,12 @@ int countPixels(const osg::Image& picture, const Pixel& colour, int tolerance)
     const std::size_t slash = path.find('/');
     const std::string folder = std::string(KELVOSGTOOLS_TESTS_DIR) + "/" + path.substr(0, slash) + "/pictures";
     const std::string file = folder + "/" + path.substr(slash + 1) + ".png";
-    if (std::getenv("KELVOSGTOOLS_UPDATE_PICTURES"))
-    {
+    if (std::getenv("KELVOSGTOOLS_UPDATE_PICTURES")) {
         osgDB::makeDirectory(folder);
         osgDB::writeImageFile(picture, file);
     }
     const osg::ref_ptr<osg::Image> expected = osgDB::readRefImageFile(file);
-    if (!expected)
-    {
+    if (!expected) {
         return ::testing::AssertionFailure()
                << "no stored picture " << file << "; rendered: " << keepFailure(picture, path, "rendered");
     }

@@ -1,0 +1,157 @@
+#include "FeatureScenes.h"
+
+#include <KelvOsgTools/FeatureFunctions.h>
+
+#include <osg/AutoTransform>
+#include <osg/Geode>
+#include <osg/Geometry>
+#include <osg/ShapeDrawable>
+
+#include <malloc.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <functional>
+#include <string>
+
+namespace kelvbench {
+namespace {
+using namespace KelvOsgTools;
+
+osg::Vec3f scattered(int index)
+{
+    // Steps prime to the range visit every place before any twice.
+    return {-480.0f + 0.96f * static_cast<float>(index * 7919 % 1000),
+            -380.0f + 0.76f * static_cast<float>(index * 104729 % 997), 0.0f};
+}
+
+QString nameOf(int index)
+{
+    return QStringLiteral("feature-%1").arg(index);
+}
+
+void addDot(osg::Group& scene, int index)
+{
+    createAutoScaleShpereAndTable(nameOf(index), &scene, scattered(index), 1, QStringLiteral("Point"), index,
+                                  featureStateNormal, false);
+}
+
+void addFlagDot(osg::Group& scene, int index)
+{
+    createFlagAutoScaleShpereAndTable(nameOf(index), &scene, scattered(index), 1, QStringLiteral("Point"), index,
+                                      featureDot, true, false);
+}
+
+void addArrow(osg::Group& scene, int index, bool isLineArrow)
+{
+    CArrowMeta::structArrowMeta meta;
+    meta.name = nameOf(index).toStdString();
+    meta.startPos = scattered(index);
+    meta.endPos = meta.startPos + osg::Vec3f(10.0f + 0.001f * static_cast<float>(index), 5.0f, 0.0f);
+    meta.isLineArrow = isLineArrow;
+    createArrowAndTable(featureStateNormal, meta, &scene, 1, QStringLiteral("line"), index);
+}
+
+void addPlane(osg::Group& scene, int index)
+{
+    const osg::Vec3f corner = scattered(index);
+    createPlaneAndTable(featureStateNormal, nameOf(index), &scene,
+                        {corner, corner + osg::Vec3f(9.0f, 0.0f, 0.0f), corner + osg::Vec3f(9.0f, 7.0f, 0.0f),
+                         corner + osg::Vec3f(0.0f, 7.0f, 0.0f)},
+                        osg::Vec3f(0.0f, 0.0f, 1.0f), 1, QStringLiteral("Plane"), index);
+}
+
+void addStraightforwardDot(osg::Group& scene, int index)
+{
+    const osg::ref_ptr<osg::Group> dot = createAutoScaleShpereAndTable(
+        nameOf(index), &scene, scattered(index), 1, QStringLiteral("Point"), index, featureStateNormal, false);
+    const osg::ref_ptr<osg::TessellationHints> hints = new osg::TessellationHints;
+    hints->setDetailRatio(3.0f);
+    osg::Geode& geode = *dot->getChild(0)->asGroup()->getChild(0)->asGeode();
+    geode.replaceDrawable(geode.getDrawable(0), new osg::ShapeDrawable(new osg::Sphere(osg::Vec3f(), 3.0f), hints));
+}
+
+osg::ref_ptr<osg::Geode> smallSquare()
+{
+    const osg::ref_ptr<osg::Vec3Array> corners = new osg::Vec3Array;
+    for (const auto& [x, y] : {std::pair{-3.0f, -3.0f}, {3.0f, -3.0f}, {3.0f, 3.0f}, {-3.0f, 3.0f}})
+        corners->push_back(osg::Vec3f(x, y, 0.0f));
+    osg::ref_ptr<osg::Geode> geode = new osg::Geode;
+    for (int i = 0; i < 2; ++i) {
+        const osg::ref_ptr<osg::Geometry> square = new osg::Geometry;
+        square->setVertexArray(corners);
+        square->addPrimitiveSet(new osg::DrawArrays(GL_TRIANGLE_FAN, 0, 4));
+        geode->addDrawable(square);
+    }
+    return geode;
+}
+
+osg::ref_ptr<osg::Group> bareTransforms(int count)
+{
+    const osg::ref_ptr<osg::Geode> square = smallSquare();
+    osg::ref_ptr<osg::Group> scene = new osg::Group;
+    for (int i = 0; i < 2 * count; ++i) { // a dot has two: sphere and label
+        const osg::ref_ptr<osg::AutoTransform> transform = new osg::AutoTransform;
+        transform->setAutoScaleToScreen(true);
+        transform->setPosition(scattered(i));
+        transform->addChild(square);
+        scene->addChild(transform);
+    }
+    return scene;
+}
+
+std::function<void(osg::Group&, int)> adderOf(Sort sort)
+{
+    switch (sort) {
+    case Sort::Dot:
+        return addDot;
+    case Sort::FlagDot:
+        return addFlagDot;
+    case Sort::LineArrow:
+        return [](osg::Group& scene, int index) { addArrow(scene, index, true); };
+    case Sort::SolidArrow:
+        return [](osg::Group& scene, int index) { addArrow(scene, index, false); };
+    case Sort::Plane:
+        return addPlane;
+    default:
+        return addStraightforwardDot;
+    }
+}
+
+featureType rootOf(Sort sort)
+{
+    if (sort == Sort::Plane) return featurePlane;
+    return sort == Sort::LineArrow || sort == Sort::SolidArrow ? featureLine : featureDot;
+}
+
+} // namespace
+
+osg::ref_ptr<osg::Group> sceneOf(Sort sort, int count)
+{
+    if (sort == Sort::BareTransform) return bareTransforms(count);
+    osg::ref_ptr<osg::Group> scene = new osg::Group;
+    const auto add = adderOf(sort);
+    for (int i = 0; i < count; ++i) add(*scene, i);
+    return scene;
+}
+
+osg::ref_ptr<osg::Group> featuresOf(osg::Group& scene, Sort sort)
+{
+    return findOrCreateFeatureRootNode(&scene, rootOf(sort), false)->getChild(0)->asGroup();
+}
+
+std::size_t heapInUse()
+{
+    return mallinfo2().uordblks + mallinfo2().hblkhd;
+}
+
+std::size_t residentMemory()
+{
+    std::ifstream file("/proc/self/statm");
+    std::size_t total = 0;
+    std::size_t resident = 0;
+    file >> total >> resident;
+    return resident * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+}
+
+} // namespace kelvbench

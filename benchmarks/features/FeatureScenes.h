@@ -1,0 +1,38 @@
+#pragma once
+
+#include <KelvOsgTools/FeatureTypes.h>
+
+#include <osg/Group>
+#include <osg/ref_ptr>
+
+#include <cstddef>
+
+namespace kelvbench {
+
+/// What the benchmarks fill a scene with.
+enum class Sort
+{
+    Dot,
+    FlagDot,
+    LineArrow,
+    SolidArrow,
+    Plane,
+    StraightforwardDot, ///< a dot whose sphere is a stock shape of its own, as the gain's yardstick
+    BareTransform       ///< the floor: an auto-scaled transform and two shared drawables, without label
+};
+
+/// A scene with that many of one sort, with names of their own, scattered over a square of 1000 by
+/// 800 units around the origin. Lengths differ, so that arrows share no more than they would in a
+/// host's scene.
+osg::ref_ptr<osg::Group> sceneOf(Sort sort, int count);
+
+/// The group that holds them.
+osg::ref_ptr<osg::Group> featuresOf(osg::Group& scene, Sort sort);
+
+/// Bytes of the heap in use.
+std::size_t heapInUse();
+
+/// Bytes of the process in memory.
+std::size_t residentMemory();
+
+} // namespace kelvbench

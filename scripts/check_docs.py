@@ -1,0 +1,30 @@
+#!/usr/bin/env python3
+"""Checks that the C++ code shown in the guides is code that is compiled: every block must stand, line
+for line, in a source of the examples (indentation aside). Prints what does not, and exits with 1."""
+
+import pathlib
+import re
+import sys
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+GUIDES = ["README.md", "docs/picking.md", "docs/scene-conventions.md"]
+
+
+def lines_of(text):
+    return "\n".join(line.strip() for line in text.strip("\n").splitlines())
+
+
+def main():
+    sources = [lines_of(path.read_text(encoding="utf-8")) for path in sorted(ROOT.glob("examples/**/*.cpp"))]
+    failures = 0
+    for guide in GUIDES:
+        blocks = re.findall(r"```cpp\n(.*?)```", (ROOT / guide).read_text(encoding="utf-8"), re.DOTALL)
+        for block in blocks:
+            if not any(lines_of(block) in source for source in sources):
+                print(f"{guide}: no example holds this code:\n{block}", file=sys.stderr)
+                failures += 1
+    return 1 if failures else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
