@@ -31,8 +31,13 @@ WindowDriver::~WindowDriver()
 
 void WindowDriver::openMesh(const osg::Node& mesh)
 {
+    openFile(writeMesh(mesh, folder(), QStringLiteral("mesh.osgb")));
+}
+
+void WindowDriver::openFile(const QString& path)
+{
     QSignalSpy shown(&m_window, &viewer::MainWindow::meshShown);
-    m_window.openMesh(writeMesh(mesh, folder(), QStringLiteral("mesh.osgb")));
+    m_window.openMesh(path);
     if (!shown.wait(kLoadMilliseconds)) qFatal("the mesh is not shown");
     picture();
 }

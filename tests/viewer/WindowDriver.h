@@ -28,6 +28,9 @@ public:
     /// Opens a mesh from a file in the folder and waits until it is shown.
     void openMesh(const osg::Node& mesh);
 
+    /// Opens a mesh and waits until it is shown.
+    void openFile(const QString& path);
+
     /// Where a point of the mesh stands in the view.
     QPoint positionOf(const osg::Vec3d& point);
 
