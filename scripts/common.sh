@@ -5,6 +5,9 @@
 build_packages=(cmake python3 ninja-build g++ libopenscenegraph-dev qtbase5-dev qtbase5-dev-tools)
 display_packages=(xvfb xauth libgl1-mesa-dri fonts-dejavu-core)
 
+# What building the tests needs.
+test_packages=(libgtest-dev libgmock-dev)
+
 say() {
     if [ -t 1 ] && [ "${CI:-}" != true ]; then
         printf '\033[1m== %s\033[0m\n' "$*"

@@ -13,7 +13,8 @@ namespace {
 /// A font of the library's own, apart from the one that the host's texts may share.
 osg::ref_ptr<osgText::Font> readGlyphs(const std::string& file)
 {
-    osg::ref_ptr<osgText::Font> font = osgText::readRefFontFile(file, new osgDB::Options);
+    const osg::ref_ptr<osgDB::Options> withoutCache = new osgDB::Options;
+    osg::ref_ptr<osgText::Font> font = osgText::readRefFontFile(file, withoutCache);
     // Labels face the screen: filtering for slanted views would change nothing but the time it takes.
     if (font) font->setMaxAnisotropy(1.0f);
     return font;
