@@ -7,7 +7,7 @@ import re
 import sys
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
-GUIDES = ["README.md", "docs/axis.md", "docs/persistence.md", "docs/picking.md", "docs/scene-conventions.md"]
+GUIDES = ["README.md", "docs/persistence.md", "docs/picking.md", "docs/scene-conventions.md"]
 
 
 def lines_of(text):
