@@ -208,7 +208,8 @@ KELVOSGTOOLS_EXPORT bool getClickedPointToMeshDataAndDotFeature(osgViewer::Viewe
 /// @param features what may be hit by its label
 /// @param wanted   featureAll takes any kind; a kind whose root does not exist gives false
 /// @param point    the hit in the coordinates of the drawable; untouched by a hit on a label
-/// @param feature  the primitive, owned by the scene
+/// @param feature  the primitive, owned by the scene; null if a label was hit whose listed node is no
+///                 primitive, a named group, say
 /// @param kind     its kind
 /// @param points   its defining points: appended for a dot (centre) or line (start, end), replaced
 ///                 for a plane (corners). Pass an empty vector.
