@@ -16,6 +16,11 @@ namespace {
 
 constexpr double kSelectedGrowthPixels = 5.0;
 
+float radiusIn(featureState state, float radius)
+{
+    return static_cast<float>(radius + (state == featureStateSelected ? kSelectedGrowthPixels : 0.0));
+}
+
 } // namespace
 
 QString CFlagAutoScaleSphereMeta::flag_feature_dot_name_one = QStringLiteral("flag_feature_dot_name_one");
@@ -28,6 +33,7 @@ QString CFlagAutoScaleSphereMeta::flag_feature_plane_name_third = QStringLiteral
 CFlagAutoScaleSphereMeta::CFlagAutoScaleSphereMeta(const CAutoScaleSphereMeta::structSphereMeta& meta)
     : m_metaStruct(meta), m_sphereDrawable(detail::makeSphere(meta.radius, meta.ratio, meta.color, detail::kSphereName))
 {
+    detail::prepareSphere(*m_sphereDrawable, radiusIn(featureStateSelected, meta.radius));
     const osg::ref_ptr<osg::AutoTransform> transform =
         detail::screenSized(m_sphereDrawable, meta.cneterPos, osg::AutoTransform::NO_ROTATION);
     transform->setName(meta.nodeName);
@@ -66,8 +72,7 @@ void CFlagAutoScaleSphereMeta::setState(featureState state)
     m_state = state;
     const featureFlagDotConfig& config = CFeatureConfig::sigleFeatureConfig()->getFlagDotConfig();
     if (const osg::ref_ptr<osg::ShapeDrawable> sphere = getShpereDrawableNode()) {
-        const double growth = state == featureStateSelected ? kSelectedGrowthPixels : 0.0;
-        detail::resizeSphere(*sphere, static_cast<float>(m_metaStruct.radius + growth));
+        detail::resizeSphere(*sphere, radiusIn(state, m_metaStruct.radius));
         sphere->setColor(detail::colourOf(state, config.selectedColor, config.highlightedColor));
     }
     if (m_table) m_table->setState(state);

@@ -20,6 +20,11 @@ osg::ref_ptr<osg::ShapeDrawable> makeSphere(float radius, float detailRatio, con
     return drawable;
 }
 
+void prepareSphere(osg::ShapeDrawable& drawable, float radius)
+{
+    if (auto* const shared = dynamic_cast<SphereDrawable*>(&drawable)) shared->prepare(radius);
+}
+
 void resizeSphere(osg::ShapeDrawable& drawable, float radius)
 {
     auto* const sphere = dynamic_cast<osg::Sphere*>(drawable.getShape());

@@ -14,6 +14,9 @@ namespace KelvOsgTools::detail {
 osg::ref_ptr<osg::ShapeDrawable> makeSphere(float radius, float detailRatio, const osg::Vec4f& color,
                                             const std::string& name = {});
 
+/// Has the geometry of another radius ready, so that resizeSphere() to it makes none.
+void prepareSphere(osg::ShapeDrawable& drawable, float radius);
+
 /// Gives a sphere another radius, and a geometry that shows it. Leaves a drawable of any other
 /// shape alone.
 void resizeSphere(osg::ShapeDrawable& drawable, float radius);

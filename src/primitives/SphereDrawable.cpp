@@ -12,6 +12,7 @@
 
 #include <array>
 #include <cmath>
+#include <iterator>
 #include <map>
 #include <utility>
 #include <vector>
@@ -142,12 +143,17 @@ SphereMesh::~SphereMesh() = default;
 osg::ref_ptr<SphereMesh> SphereMesh::shared(float radius, float detailRatio)
 {
     static std::map<std::pair<float, float>, osg::observer_ptr<SphereMesh>> meshes;
-    osg::observer_ptr<SphereMesh>& entry = meshes[{radius, detailRatio}];
+    // What is not equal to itself has no equals to share with, and no place in a map.
+    if (std::isnan(radius) || std::isnan(detailRatio)) return new SphereMesh(radius, detailRatio);
+
+    const auto known = meshes.find({radius, detailRatio});
     osg::ref_ptr<SphereMesh> mesh;
-    if (!entry.lock(mesh)) {
-        mesh = new SphereMesh(radius, detailRatio);
-        entry = mesh;
-    }
+    if (known != meshes.end() && known->second.lock(mesh)) return mesh;
+
+    for (auto entry = meshes.begin(); entry != meshes.end();)
+        entry = entry->second.valid() ? std::next(entry) : meshes.erase(entry);
+    mesh = new SphereMesh(radius, detailRatio);
+    meshes[{radius, detailRatio}] = mesh;
     return mesh;
 }
 
