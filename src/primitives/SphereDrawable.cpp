@@ -126,8 +126,8 @@ osg::Matrixd facingTheEye(const osg::Matrixd& modelView, const osg::Matrixd& pro
 
 SphereMesh::SphereMesh(float meshRadius, float meshRatio) : radius(meshRadius), detailRatio(meshRatio)
 {
-    const osg::ref_ptr<osg::ShapeDrawable> full =
-        ShapeBuilder(detailRatio).build(new osg::Sphere(osg::Vec3f(), radius), osg::Vec4f());
+    const osg::ref_ptr<osg::Sphere> sphere = new osg::Sphere(osg::Vec3f(), radius);
+    const osg::ref_ptr<osg::ShapeDrawable> full = ShapeBuilder(detailRatio).build(sphere, osg::Vec4f());
     osg::TriangleIndexFunctor<CollectTriangles> collect;
     full->accept(collect);
 
