@@ -173,7 +173,7 @@ protected:
         if (GetParam() == Defect::Missing) return path;
         QFile file(path);
         file.open(QIODevice::WriteOnly);
-        if (GetParam() == Defect::Broken) file.write(QByteArray("\0\1\0\0 no font at all", 22).repeated(10));
+        if (GetParam() == Defect::Broken) file.write(QByteArray("\0\1\0\0 no font at all", 19).repeated(10));
         return path;
     }
 
