@@ -22,26 +22,26 @@ osg::ref_ptr<osg::Group> namedTable(const CTableMeta::structTableMeta& meta)
     return table;
 }
 
-CAutoScaleSphereMeta::structSphereMeta dotRecord(const osg::Vec3f& point)
+CAutoScaleSphereMeta::structSphereMeta markerRecord(const osg::Vec3f& point, const char* nodeName, float radius,
+                                                    const osg::Vec4f& color)
 {
     CAutoScaleSphereMeta::structSphereMeta meta;
     meta.cneterPos = point;
-    meta.nodeName = detail::kDotRecordName;
-    meta.radius = kDotRadiusPixels;
+    meta.nodeName = nodeName;
+    meta.radius = radius;
     meta.ratio = kSphereDetailRatio;
-    meta.color.set(1.0f, 1.0f, 1.0f, 1.0f);
+    meta.color = color;
     return meta;
+}
+
+CAutoScaleSphereMeta::structSphereMeta dotRecord(const osg::Vec3f& point)
+{
+    return markerRecord(point, detail::kDotRecordName, kDotRadiusPixels, osg::Vec4f(1.0f, 1.0f, 1.0f, 1.0f));
 }
 
 CAutoScaleSphereMeta::structSphereMeta flagRecord(const osg::Vec3f& point)
 {
-    CAutoScaleSphereMeta::structSphereMeta meta;
-    meta.cneterPos = point;
-    meta.nodeName = detail::kSphereRecordName;
-    meta.radius = kFlagRadiusPixels;
-    meta.ratio = kSphereDetailRatio;
-    meta.color.set(1.0f, 0.0f, 0.0f, 1.0f);
-    return meta;
+    return markerRecord(point, detail::kSphereRecordName, kFlagRadiusPixels, osg::Vec4f(1.0f, 0.0f, 0.0f, 1.0f));
 }
 
 } // namespace
