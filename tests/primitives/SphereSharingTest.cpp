@@ -101,4 +101,15 @@ TEST(SphereSharing, LetsAFlagSwitchBetweenTwoSharedShapes)
     EXPECT_EQ(sphereOf(*flag).getVertexArray(), large);
 }
 
+TEST(SphereSharing, HasTheShapeOfASelectedFlagReady)
+{
+    CAutoScaleSphereMeta::structSphereMeta meta;
+    meta.radius = 4.0f;
+    const osg::ref_ptr<CFlagAutoScaleSphereMeta> flag = new CFlagAutoScaleSphereMeta(meta);
+    const osg::observer_ptr<osg::Array> selectedSize = sphereOf(*dotOf(9.0f)).getVertexArray();
+    ASSERT_TRUE(selectedSize.valid()); // kept by the flag alone: the dot is gone
+    flag->setState(featureStateSelected);
+    EXPECT_EQ(sphereOf(*flag).getVertexArray(), selectedSize.get());
+}
+
 } // namespace
