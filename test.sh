@@ -10,7 +10,7 @@ cd "$(dirname "$(realpath -- "$0")")"
 fuzz_runs=20000
 
 scripts/install-packages.sh "${build_packages[@]}" "${display_packages[@]}" "${test_packages[@]}" fonts-noto-cjk \
-    libxml2-utils clang libclang-rt-14-dev
+    libxml2-utils clang libclang-rt-14-dev clang-tidy cppcheck
 
 # Qt writes its files for the session there; without it, Qt complains in every test.
 runtime_folder=$(mktemp -d)
@@ -27,6 +27,9 @@ build_and_test() {
 say "The tour's part and the code in the guides are up to date"
 scripts/make_part.py --check examples/tour/part.obj
 scripts/check_docs.py
+
+say "Static checks"
+scripts/lint.sh quick
 
 say "Debug build"
 build_and_test dev

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <utility>
 
 namespace KelvOsgTools::detail {
 namespace {
@@ -31,7 +30,7 @@ public:
         _tessellationHints = hints;
     }
 
-    void keep(osg::ref_ptr<osg::Referenced> shared) { m_shared = std::move(shared); }
+    void keep(const osg::ref_ptr<osg::Referenced>& shared) { m_shared = shared; }
 
 protected:
     ~SharingDrawable() override = default;
