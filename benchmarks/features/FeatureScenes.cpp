@@ -1,11 +1,14 @@
 #include "FeatureScenes.h"
 
+#include <KelvOsgTools/CFeatureConfig.h>
 #include <KelvOsgTools/FeatureFunctions.h>
 
 #include <osg/AutoTransform>
 #include <osg/Geode>
 #include <osg/Geometry>
+#include <osg/NodeVisitor>
 #include <osg/ShapeDrawable>
+#include <osgText/Text>
 
 #include <malloc.h>
 #include <unistd.h>
@@ -61,14 +64,54 @@ void addPlane(osg::Group& scene, int index)
                         osg::Vec3f(0.0f, 0.0f, 1.0f), 1, QStringLiteral("Plane"), index);
 }
 
+/// A sphere with vertices of its own, as it comes from a shape.
+osg::ref_ptr<osg::Drawable> stockSphere()
+{
+    const osg::ref_ptr<osg::TessellationHints> hints = new osg::TessellationHints;
+    hints->setDetailRatio(3.0f);
+    return new osg::ShapeDrawable(new osg::Sphere(osg::Vec3f(), 3.0f), hints);
+}
+
+/// A text as it comes from its record, without a thought for what it costs.
+osg::ref_ptr<osg::Drawable> stockText(const osgText::Text& text)
+{
+    osg::ref_ptr<osgText::Text> stock = new osgText::Text;
+    stock->setFont(CFeatureConfig::sigleFeatureConfig()->getFontPath().toStdString());
+    stock->setFontResolution(64, 64);
+    stock->setCharacterSize(text.getCharacterHeight());
+    stock->setAxisAlignment(osgText::TextBase::XY_PLANE);
+    stock->setAlignment(osgText::TextBase::CENTER_BOTTOM);
+    stock->setText(text.getText());
+    stock->setColor(text.getColor());
+    stock->setDrawMode(osgText::TextBase::TEXT);
+    stock->setPosition(text.getPosition());
+    return stock;
+}
+
+/// Replaces the drawables whose cost the library has brought down by stock ones.
+class MakeStraightforward : public osg::NodeVisitor
+{
+public:
+    MakeStraightforward() : osg::NodeVisitor(TRAVERSE_ALL_CHILDREN) {}
+
+    void apply(osg::Geode& geode) override
+    {
+        for (unsigned int i = 0; i < geode.getNumDrawables(); ++i) {
+            osg::Drawable* const drawable = geode.getDrawable(i);
+            if (const auto* const text = dynamic_cast<const osgText::Text*>(drawable))
+                geode.setDrawable(i, stockText(*text));
+            else if (dynamic_cast<const osg::ShapeDrawable*>(drawable))
+                geode.setDrawable(i, stockSphere());
+        }
+    }
+};
+
 void addStraightforwardDot(osg::Group& scene, int index)
 {
     const osg::ref_ptr<osg::Group> dot = createAutoScaleShpereAndTable(
         nameOf(index), &scene, scattered(index), 1, QStringLiteral("Point"), index, featureStateNormal, false);
-    const osg::ref_ptr<osg::TessellationHints> hints = new osg::TessellationHints;
-    hints->setDetailRatio(3.0f);
-    osg::Geode& geode = *dot->getChild(0)->asGroup()->getChild(0)->asGeode();
-    geode.replaceDrawable(geode.getDrawable(0), new osg::ShapeDrawable(new osg::Sphere(osg::Vec3f(), 3.0f), hints));
+    MakeStraightforward visitor;
+    dot->accept(visitor);
 }
 
 osg::ref_ptr<osg::Geode> smallSquare()
