@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """Checks that the C++ code shown in the guides is code that is compiled: every block must stand, line
-for line, in a source of the examples (indentation aside). Prints what does not, and exits with 1."""
+for line, in a source of the examples (indentation aside), and the minimal hosts must stay minimal. Prints
+what does not hold, and exits with 1."""
 
 import pathlib
 import re
@@ -8,6 +9,8 @@ import sys
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 GUIDES = ["README.md", "docs/persistence.md", "docs/picking.md", "docs/scene-conventions.md"]
+MINIMAL_HOSTS = ["axis_in_stock_viewer", "first_label", "pick_and_select", "save_and_rebuild"]
+MINIMAL_HOST_LINES = 60
 
 
 def lines_of(text):
@@ -23,6 +26,11 @@ def main():
             if not any(lines_of(block) in source for source in sources):
                 print(f"{guide}: no example holds this code:\n{block}", file=sys.stderr)
                 failures += 1
+    for host in MINIMAL_HOSTS:
+        lines = len((ROOT / "examples" / host / "main.cpp").read_text(encoding="utf-8").splitlines())
+        if lines > MINIMAL_HOST_LINES:
+            print(f"examples/{host}: {lines} lines, {MINIMAL_HOST_LINES} at most", file=sys.stderr)
+            failures += 1
     return 1 if failures else 0
 
 
