@@ -6,7 +6,7 @@ build_packages=(cmake python3 ninja-build g++ libopenscenegraph-dev qtbase5-dev 
 display_packages=(xvfb xauth libgl1-mesa-dri fonts-dejavu-core)
 
 # What building the tests needs.
-test_packages=(libgtest-dev libgmock-dev)
+test_packages=(libgtest-dev libgmock-dev doxygen)
 
 say() {
     if [ -t 1 ] && [ "${CI:-}" != true ]; then

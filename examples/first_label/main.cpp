@@ -13,7 +13,7 @@
 #include <iostream>
 
 using namespace KelvOsgTools;
-
+//! [click]
 struct DotOnClick : osgGA::GUIEventHandler
 {
     bool handle(const osgGA::GUIEventAdapter& event, osgGA::GUIActionAdapter& action) override
@@ -32,7 +32,7 @@ struct DotOnClick : osgGA::GUIEventHandler
 
     int m_count = 0;
 };
-
+//! [click]
 int main(int argc, char** argv)
 {
     const QGuiApplication application(argc, argv); // measures the label texts
