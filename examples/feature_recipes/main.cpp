@@ -4,6 +4,7 @@
 #include <KelvOsgTools/KelvOsgTools.h>
 
 #include <osg/ValueObject>
+#include <osgViewer/GraphicsWindow>
 
 #include <QGuiApplication>
 #include <QTranslator>
@@ -157,6 +158,16 @@ osg::ref_ptr<CAxisMeta> axesThatCanBeHidden(const osg::ref_ptr<osg::Group>& scen
 }
 //! [axis group]
 
+void showHiddenAxesTranslucent(const osg::ref_ptr<osg::Group>& scene)
+{
+    scene->getOrCreateStateSet()->setMode(GL_BLEND, osg::StateAttribute::ON);
+}
+
+void agreeWithWindowsThatShowAxes(osg::GraphicsContext* window)
+{
+    window->getState()->setUseModelViewAndProjectionUniforms(true);
+}
+
 //! [language]
 class GermanWords : public QTranslator
 {
@@ -265,6 +276,10 @@ bool recipesOfTheTreeHold()
     const osg::ref_ptr<CAxisMeta> axes = axesThatCanBeHidden(scene);
     axes->setAllChildrenOff();
     holds &= expect(axes->getNumChildren() == 1 && !axes->getValue(0), "axes are hidden by a switch");
+    showHiddenAxesTranslucent(scene);
+    const osg::ref_ptr<osgViewer::GraphicsWindow> window = new osgViewer::GraphicsWindowEmbedded(0, 0, 8, 8);
+    agreeWithWindowsThatShowAxes(window);
+    holds &= expect(window->getState()->getUseModelViewAndProjectionUniforms(), "a window is told about the uniforms");
 
     flagStartOfLine({0, 0, 0}, scene);
     hideFlags(scene);
