@@ -242,10 +242,10 @@ std::string differenceOf(const ModelNode& node)
 
     std::ostringstream text;
     const std::optional<osg::Vec4f> colour = colourIn(real, node.sort);
-    if (colour != node.colour) text << "has the colour " << colour.value_or(osg::Vec4f(-1, -1, -1, -1));
+    if (colour != node.colour) text << "has the colour " << colour.value_or(osg::Vec4f(-1, -1, -1, -1)) << ". ";
     if (node.sort == Sort::Geometry && lineWidthOf(real) != node.lineWidth)
-        text << "is " << lineWidthOf(real) << " wide";
-    if (radiusIn(real, node.sort) != node.radius) text << "has the radius " << radiusIn(real, node.sort);
+        text << "is " << lineWidthOf(real) << " wide. ";
+    if (radiusIn(real, node.sort) != node.radius) text << "has the radius " << radiusIn(real, node.sort) << ". ";
     if (node.sort == Sort::Text && textOf(static_cast<const osgText::Text&>(real)).toStdString() != node.text)
         text << "has another text";
     return text.str();
