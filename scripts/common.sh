@@ -8,6 +8,9 @@ display_packages=(xvfb xauth libgl1-mesa-dri fonts-dejavu-core)
 # What building the tests needs.
 test_packages=(libgtest-dev libgmock-dev doxygen)
 
+# What testing the installed library and the Debian packages needs.
+packaging_packages=(dpkg-dev file lintian pkg-config)
+
 say() {
     if [ -t 1 ] && [ "${CI:-}" != true ]; then
         printf '\033[1m== %s\033[0m\n' "$*"

@@ -47,13 +47,20 @@ private:
     bool m_kept = false;
 };
 
+/// Looks at the last byte first: names of features mostly differ in their numbers.
+bool hasName(const osg::Node& node, const std::string& name)
+{
+    const std::string& own = node.getName();
+    return own.size() == name.size() && (name.empty() || own.back() == name.back()) && own == name;
+}
+
 /// Removes the children of that name, save the last child of the group.
 void removeFormerChildren(osg::Group& group, const std::string& name)
 {
     constexpr unsigned int kAhead = 16;
     for (unsigned int i = group.getNumChildren() - 1; i-- > 0;) {
         if (i >= kAhead) prefetch(&group.getChild(i - kAhead)->getName(), sizeof(std::string));
-        if (group.getChild(i)->getName() == name) group.removeChildren(i, 1);
+        if (hasName(*group.getChild(i), name)) group.removeChildren(i, 1);
     }
 }
 
