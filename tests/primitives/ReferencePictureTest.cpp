@@ -26,6 +26,8 @@ TEST(ReferencePictures, AreThoseThatTheGalleryDraws)
     int pictures = 0;
     for (const std::string& file : osgDB::getDirectoryContents(KELVOSGTOOLS_REFERENCE_PICTURES)) {
         if (osgDB::getFileExtension(file) != "png") continue;
+        // Its rectangle is as wide as the characters are in whatever font of the machine has them.
+        if (file == "missing-characters.png") continue;
         const osg::ref_ptr<osg::Image> stored = osgDB::readRefImageFile(KELVOSGTOOLS_REFERENCE_PICTURES "/" + file);
         const osg::ref_ptr<osg::Image> picture = osgDB::readRefImageFile(drawn + "/" + file);
         ASSERT_TRUE(stored && picture) << file;
