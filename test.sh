@@ -9,8 +9,8 @@ cd "$(dirname "$(realpath -- "$0")")"
 
 fuzz_runs=20000
 
-scripts/install-packages.sh "${build_packages[@]}" "${display_packages[@]}" "${test_packages[@]}" fonts-noto-cjk \
-    libxml2-utils clang libclang-rt-14-dev
+scripts/install-packages.sh "${build_packages[@]}" "${display_packages[@]}" "${test_packages[@]}" "${packaging_packages[@]}" \
+    fonts-noto-cjk libxml2-utils clang libclang-rt-14-dev
 
 # Qt writes its files for the session there; without it, Qt complains in every test.
 runtime_folder=$(mktemp -d)

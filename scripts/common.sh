@@ -6,7 +6,10 @@ build_packages=(cmake python3 ninja-build g++ libopenscenegraph-dev qtbase5-dev 
 display_packages=(xvfb xauth libgl1-mesa-dri fonts-dejavu-core)
 
 # What building the tests needs.
-test_packages=(libgtest-dev libgmock-dev)
+test_packages=(libgtest-dev libgmock-dev doxygen)
+
+# What testing the installed library and the Debian packages needs.
+packaging_packages=(dpkg-dev file lintian pkg-config)
 
 say() {
     if [ -t 1 ] && [ "${CI:-}" != true ]; then

@@ -7,10 +7,11 @@
 #include <malloc.h>
 
 namespace {
+using kelvbench::SceneBuilder;
 using kelvbench::Sort;
 
 /// Builds a scene of N features with unique names; each of them looks for a namesake to replace.
-void create(benchmark::State& state, Sort sort)
+void create(benchmark::State& state, Sort sort, SceneBuilder build)
 {
     const auto count = static_cast<int>(state.range(0));
     double bytes = 0.0;
@@ -19,7 +20,7 @@ void create(benchmark::State& state, Sort sort)
         malloc_trim(0);
         const std::size_t before = kelvbench::heapInUse();
         state.ResumeTiming();
-        osg::ref_ptr<osg::Group> scene = kelvbench::sceneOf(sort, count);
+        osg::ref_ptr<osg::Group> scene = build(sort, count);
         state.PauseTiming();
         bytes = static_cast<double>(kelvbench::heapInUse() - before) / count;
         scene = nullptr;
@@ -53,27 +54,22 @@ void drift(benchmark::State& state)
 
 } // namespace
 
-BENCHMARK_CAPTURE(create, Dot, Sort::Dot)->RangeMultiplier(10)->Range(100, 10000)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(create, FlagDot, Sort::FlagDot)
-    ->RangeMultiplier(10)
-    ->Range(100, 10000)
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(create, LineArrow, Sort::LineArrow)
-    ->RangeMultiplier(10)
-    ->Range(100, 10000)
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(create, SolidArrow, Sort::SolidArrow)
-    ->RangeMultiplier(10)
-    ->Range(100, 10000)
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(create, Plane, Sort::Plane)->RangeMultiplier(10)->Range(100, 10000)->Unit(benchmark::kMillisecond);
-// At 10,000 the straightforward spheres alone would take six gigabytes.
-BENCHMARK_CAPTURE(create, StraightforwardDot, Sort::StraightforwardDot)
-    ->RangeMultiplier(10)
-    ->Range(100, 1000)
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(create, BareTransform, Sort::BareTransform)
-    ->RangeMultiplier(10)
-    ->Range(100, 10000)
-    ->Unit(benchmark::kMillisecond);
+#define KELV_CREATE(sort, builder, name, most)                                                                         \
+    BENCHMARK_CAPTURE(create, name, Sort::sort, builder)                                                               \
+        ->RangeMultiplier(10)                                                                                          \
+        ->Range(100, most)                                                                                             \
+        ->Unit(benchmark::kMillisecond)
+
+KELV_CREATE(Dot, kelvbench::sceneOf, Dot, 10000);
+KELV_CREATE(FlagDot, kelvbench::sceneOf, FlagDot, 10000);
+KELV_CREATE(LineArrow, kelvbench::sceneOf, LineArrow, 10000);
+KELV_CREATE(SolidArrow, kelvbench::sceneOf, SolidArrow, 10000);
+KELV_CREATE(Plane, kelvbench::sceneOf, Plane, 10000);
+// At 10,000 straightforward spheres alone would take six gigabytes.
+KELV_CREATE(Dot, kelvbench::straightforwardSceneOf, StraightforwardDot, 1000);
+KELV_CREATE(FlagDot, kelvbench::straightforwardSceneOf, StraightforwardFlagDot, 1000);
+KELV_CREATE(LineArrow, kelvbench::straightforwardSceneOf, StraightforwardLineArrow, 1000);
+KELV_CREATE(SolidArrow, kelvbench::straightforwardSceneOf, StraightforwardSolidArrow, 1000);
+KELV_CREATE(Plane, kelvbench::straightforwardSceneOf, StraightforwardPlane, 1000);
+KELV_CREATE(BareTransform, kelvbench::sceneOf, BareTransform, 10000);
 BENCHMARK(drift)->Iterations(100)->Unit(benchmark::kMillisecond);

@@ -5,6 +5,7 @@
 #include <osgViewer/Viewer>
 
 namespace {
+using kelvbench::SceneBuilder;
 using kelvbench::Sort;
 
 constexpr int kWidth = 1000;
@@ -47,12 +48,11 @@ void drawFrame(osgViewer::Viewer& viewer)
     context.releaseContext();
 }
 
-void firstFrame(benchmark::State& state, Sort sort)
+void firstFrame(benchmark::State& state, Sort sort, SceneBuilder build)
 {
     for (auto _ : state) {
         state.PauseTiming();
-        osg::ref_ptr<osgViewer::Viewer> viewer =
-            offscreenViewer(kelvbench::sceneOf(sort, static_cast<int>(state.range(0))));
+        osg::ref_ptr<osgViewer::Viewer> viewer = offscreenViewer(build(sort, static_cast<int>(state.range(0))));
         if (!viewer) {
             state.SkipWithError("no GL context");
             break;
@@ -65,10 +65,9 @@ void firstFrame(benchmark::State& state, Sort sort)
     }
 }
 
-void steadyFrame(benchmark::State& state, Sort sort)
+void steadyFrame(benchmark::State& state, Sort sort, SceneBuilder build)
 {
-    const osg::ref_ptr<osgViewer::Viewer> viewer =
-        offscreenViewer(kelvbench::sceneOf(sort, static_cast<int>(state.range(0))));
+    const osg::ref_ptr<osgViewer::Viewer> viewer = offscreenViewer(build(sort, static_cast<int>(state.range(0))));
     if (!viewer) {
         state.SkipWithError("no GL context");
         return;
@@ -79,23 +78,27 @@ void steadyFrame(benchmark::State& state, Sort sort)
 
 } // namespace
 
-#define KELV_FRAMES(sort, most)                                                                                        \
-    BENCHMARK_CAPTURE(firstFrame, sort, Sort::sort)                                                                    \
+#define KELV_FRAMES(sort, builder, name, most)                                                                         \
+    BENCHMARK_CAPTURE(firstFrame, name, Sort::sort, builder)                                                           \
         ->RangeMultiplier(10)                                                                                          \
         ->Range(100, most)                                                                                             \
         ->Iterations(1)                                                                                                \
         ->UseRealTime()                                                                                                \
         ->Unit(benchmark::kMillisecond);                                                                               \
-    BENCHMARK_CAPTURE(steadyFrame, sort, Sort::sort)                                                                   \
+    BENCHMARK_CAPTURE(steadyFrame, name, Sort::sort, builder)                                                          \
         ->RangeMultiplier(10)                                                                                          \
         ->Range(100, most)                                                                                             \
         ->UseRealTime()                                                                                                \
         ->Unit(benchmark::kMillisecond)
 
-KELV_FRAMES(Dot, 10000);
-KELV_FRAMES(FlagDot, 10000);
-KELV_FRAMES(LineArrow, 10000);
-KELV_FRAMES(SolidArrow, 10000);
-KELV_FRAMES(Plane, 10000);
-KELV_FRAMES(StraightforwardDot, 1000);
-KELV_FRAMES(BareTransform, 10000);
+KELV_FRAMES(Dot, kelvbench::sceneOf, Dot, 10000);
+KELV_FRAMES(FlagDot, kelvbench::sceneOf, FlagDot, 10000);
+KELV_FRAMES(LineArrow, kelvbench::sceneOf, LineArrow, 10000);
+KELV_FRAMES(SolidArrow, kelvbench::sceneOf, SolidArrow, 10000);
+KELV_FRAMES(Plane, kelvbench::sceneOf, Plane, 10000);
+KELV_FRAMES(Dot, kelvbench::straightforwardSceneOf, StraightforwardDot, 1000);
+KELV_FRAMES(FlagDot, kelvbench::straightforwardSceneOf, StraightforwardFlagDot, 1000);
+KELV_FRAMES(LineArrow, kelvbench::straightforwardSceneOf, StraightforwardLineArrow, 1000);
+KELV_FRAMES(SolidArrow, kelvbench::straightforwardSceneOf, StraightforwardSolidArrow, 1000);
+KELV_FRAMES(Plane, kelvbench::straightforwardSceneOf, StraightforwardPlane, 1000);
+KELV_FRAMES(BareTransform, kelvbench::sceneOf, BareTransform, 10000);

@@ -1,17 +1,19 @@
 #include "FeatureScenes.h"
 
+#include <KelvOsgTools/CFeatureConfig.h>
 #include <KelvOsgTools/FeatureFunctions.h>
 
 #include <osg/AutoTransform>
 #include <osg/Geode>
 #include <osg/Geometry>
+#include <osg/NodeVisitor>
 #include <osg/ShapeDrawable>
+#include <osgText/Text>
 
 #include <malloc.h>
 #include <unistd.h>
 
 #include <fstream>
-#include <functional>
 #include <string>
 
 namespace kelvbench {
@@ -61,60 +63,93 @@ void addPlane(osg::Group& scene, int index)
                         osg::Vec3f(0.0f, 0.0f, 1.0f), 1, QStringLiteral("Plane"), index);
 }
 
-void addStraightforwardDot(osg::Group& scene, int index)
+/// The shape with vertices of its own, as OpenSceneGraph makes them.
+osg::ref_ptr<osg::Drawable> stockShape(const osg::ShapeDrawable& drawable)
 {
-    const osg::ref_ptr<osg::Group> dot = createAutoScaleShpereAndTable(
-        nameOf(index), &scene, scattered(index), 1, QStringLiteral("Point"), index, featureStateNormal, false);
+    const osg::ref_ptr<osg::Shape> shape =
+        static_cast<osg::Shape*>(drawable.getShape()->clone(osg::CopyOp::DEEP_COPY_ALL));
     const osg::ref_ptr<osg::TessellationHints> hints = new osg::TessellationHints;
-    hints->setDetailRatio(3.0f);
-    osg::Geode& geode = *dot->getChild(0)->asGroup()->getChild(0)->asGeode();
-    geode.replaceDrawable(geode.getDrawable(0), new osg::ShapeDrawable(new osg::Sphere(osg::Vec3f(), 3.0f), hints));
+    hints->setDetailRatio(drawable.getTessellationHints()->getDetailRatio());
+    osg::ref_ptr<osg::ShapeDrawable> stock = new osg::ShapeDrawable(shape, hints);
+    stock->setColor(drawable.getColor());
+    return stock;
 }
 
-osg::ref_ptr<osg::Geode> smallSquare()
+/// A text as it comes from its record, without a thought for what it costs.
+osg::ref_ptr<osg::Drawable> stockText(const osgText::Text& text)
+{
+    osg::ref_ptr<osgText::Text> stock = new osgText::Text;
+    stock->setFont(CFeatureConfig::sigleFeatureConfig()->getFontPath().toStdString());
+    stock->setFontResolution(64, 64);
+    stock->setCharacterSize(text.getCharacterHeight());
+    stock->setAxisAlignment(osgText::TextBase::XY_PLANE);
+    stock->setAlignment(osgText::TextBase::CENTER_BOTTOM);
+    stock->setText(text.getText());
+    stock->setColor(text.getColor());
+    stock->setDrawMode(osgText::TextBase::TEXT);
+    stock->setPosition(text.getPosition());
+    return stock;
+}
+
+/// Replaces the drawables whose cost the library has brought down by stock ones.
+class MakeStraightforward : public osg::NodeVisitor
+{
+public:
+    MakeStraightforward() : osg::NodeVisitor(TRAVERSE_ALL_CHILDREN) {}
+
+    void apply(osg::Geode& geode) override
+    {
+        for (unsigned int i = 0; i < geode.getNumDrawables(); ++i) {
+            osg::Drawable* const drawable = geode.getDrawable(i);
+            if (const auto* const text = dynamic_cast<const osgText::Text*>(drawable))
+                geode.setDrawable(i, stockText(*text));
+            else if (const auto* const shape = dynamic_cast<const osg::ShapeDrawable*>(drawable))
+                geode.setDrawable(i, stockShape(*shape));
+        }
+    }
+};
+
+osg::ref_ptr<osg::Group> bareTransforms(int count)
 {
     const osg::ref_ptr<osg::Vec3Array> corners = new osg::Vec3Array;
     for (const auto& [x, y] : {std::pair{-3.0f, -3.0f}, {3.0f, -3.0f}, {3.0f, 3.0f}, {-3.0f, 3.0f}})
         corners->push_back(osg::Vec3f(x, y, 0.0f));
-    osg::ref_ptr<osg::Geode> geode = new osg::Geode;
-    for (int i = 0; i < 2; ++i) {
-        const osg::ref_ptr<osg::Geometry> square = new osg::Geometry;
-        square->setVertexArray(corners);
-        square->addPrimitiveSet(new osg::DrawArrays(GL_TRIANGLE_FAN, 0, 4));
-        geode->addDrawable(square);
-    }
-    return geode;
-}
+    const osg::ref_ptr<osg::DrawArrays> fan = new osg::DrawArrays(GL_TRIANGLE_FAN, 0, 4);
+    const osg::ref_ptr<osg::StateSet> state = new osg::StateSet;
+    state->setMode(GL_LIGHTING, osg::StateAttribute::OFF);
 
-osg::ref_ptr<osg::Group> bareTransforms(int count)
-{
-    const osg::ref_ptr<osg::Geode> square = smallSquare();
     osg::ref_ptr<osg::Group> scene = new osg::Group;
-    for (int i = 0; i < 2 * count; ++i) { // a dot has two: sphere and label
+    for (int i = 0; i < 2 * count; ++i) { // a dot has two transforms, and four drawables
+        const osg::ref_ptr<osg::Geode> geode = new osg::Geode;
+        geode->setStateSet(state);
+        for (int j = 0; j < 2; ++j) {
+            const osg::ref_ptr<osg::Geometry> square = new osg::Geometry;
+            square->setVertexArray(corners);
+            square->addPrimitiveSet(fan);
+            geode->addDrawable(square);
+        }
         const osg::ref_ptr<osg::AutoTransform> transform = new osg::AutoTransform;
         transform->setAutoScaleToScreen(true);
         transform->setPosition(scattered(i));
-        transform->addChild(square);
+        transform->addChild(geode);
         scene->addChild(transform);
     }
     return scene;
 }
 
-std::function<void(osg::Group&, int)> adderOf(Sort sort)
+void add(Sort sort, osg::Group& scene, int index)
 {
     switch (sort) {
-    case Sort::Dot:
-        return addDot;
     case Sort::FlagDot:
-        return addFlagDot;
+        return addFlagDot(scene, index);
     case Sort::LineArrow:
-        return [](osg::Group& scene, int index) { addArrow(scene, index, true); };
+        return addArrow(scene, index, true);
     case Sort::SolidArrow:
-        return [](osg::Group& scene, int index) { addArrow(scene, index, false); };
+        return addArrow(scene, index, false);
     case Sort::Plane:
-        return addPlane;
+        return addPlane(scene, index);
     default:
-        return addStraightforwardDot;
+        return addDot(scene, index);
     }
 }
 
@@ -130,8 +165,19 @@ osg::ref_ptr<osg::Group> sceneOf(Sort sort, int count)
 {
     if (sort == Sort::BareTransform) return bareTransforms(count);
     osg::ref_ptr<osg::Group> scene = new osg::Group;
-    const auto add = adderOf(sort);
-    for (int i = 0; i < count; ++i) add(*scene, i);
+    for (int i = 0; i < count; ++i) add(sort, *scene, i);
+    return scene;
+}
+
+osg::ref_ptr<osg::Group> straightforwardSceneOf(Sort sort, int count)
+{
+    osg::ref_ptr<osg::Group> scene = new osg::Group;
+    for (int i = 0; i < count; ++i) {
+        add(sort, *scene, i);
+        const osg::ref_ptr<osg::Group> features = featuresOf(*scene, sort);
+        MakeStraightforward visitor;
+        features->getChild(features->getNumChildren() - 1)->accept(visitor);
+    }
     return scene;
 }
 

@@ -17,14 +17,19 @@ enum class Sort
     LineArrow,
     SolidArrow,
     Plane,
-    StraightforwardDot, ///< a dot whose sphere is a stock shape of its own, as the gain's yardstick
-    BareTransform       ///< the floor: an auto-scaled transform and two shared drawables, without label
+    BareTransform ///< the floor: as many auto-scaled transforms and drawables, with shared arrays and state
 };
 
 /// A scene with that many of one sort, with names of their own, scattered over a square of 1000 by
 /// 800 units around the origin. Lengths differ, so that arrows share no more than they would in a
 /// host's scene.
 osg::ref_ptr<osg::Group> sceneOf(Sort sort, int count);
+
+/// The same scene as it would be without sharing: each sphere, cylinder, cone and text is a stock one of
+/// its own. Not for bare transforms.
+osg::ref_ptr<osg::Group> straightforwardSceneOf(Sort sort, int count);
+
+using SceneBuilder = osg::ref_ptr<osg::Group> (*)(Sort, int);
 
 /// The group that holds them.
 osg::ref_ptr<osg::Group> featuresOf(osg::Group& scene, Sort sort);

@@ -11,6 +11,7 @@
 #include <benchmark/benchmark.h>
 
 using namespace KelvOsgTools;
+using kelvbench::Mesh;
 using kelvbench::pickingScene;
 using kelvbench::PickingScene;
 
@@ -35,9 +36,9 @@ Position labelOf(const PickingScene& scene, featureType kind)
 }
 
 /// The floor of every ray pick: the plain visitor over the whole scene.
-void rawRay(benchmark::State& state, featureType kind, Position at)
+void rawRay(benchmark::State& state, featureType kind, Position at, Mesh mesh = Mesh::WithKdTree)
 {
-    const PickingScene& scene = pickingScene(kind, int(state.range(0)));
+    const PickingScene& scene = pickingScene(kind, int(state.range(0)), mesh);
     for (auto _ : state) {
         osgUtil::LineSegmentIntersector::Intersections hits;
         benchmark::DoNotOptimize(scene.viewer->computeIntersections(at.x, at.y, hits));
@@ -45,9 +46,9 @@ void rawRay(benchmark::State& state, featureType kind, Position at)
 }
 
 /// The floor of the box pick.
-void rawBox(benchmark::State& state, featureType kind, Position at)
+void rawBox(benchmark::State& state, featureType kind, Position at, Mesh mesh = Mesh::WithKdTree)
 {
-    const PickingScene& scene = pickingScene(kind, int(state.range(0)));
+    const PickingScene& scene = pickingScene(kind, int(state.range(0)), mesh);
     for (auto _ : state) {
         const osg::ref_ptr<osgUtil::PolytopeIntersector> box = new osgUtil::PolytopeIntersector(
             osgUtil::Intersector::WINDOW, at.x - 2.0, at.y - 2.0, at.x + 2.0, at.y + 2.0);
@@ -60,23 +61,23 @@ void rawBox(benchmark::State& state, featureType kind, Position at)
 /// The floor of the label pick: a walk that does nothing.
 void rawSceneWalk(benchmark::State& state, featureType kind)
 {
-    const PickingScene& scene = pickingScene(kind, int(state.range(0)));
+    const PickingScene& scene = pickingScene(kind, int(state.range(0)), Mesh::WithKdTree);
     for (auto _ : state) {
         osg::NodeVisitor visitor(osg::NodeVisitor::TRAVERSE_ALL_CHILDREN);
         scene.root->accept(visitor);
     }
 }
 
-void clickedPoint(benchmark::State& state, featureType kind, Position at)
+void clickedPoint(benchmark::State& state, featureType kind, Position at, Mesh mesh = Mesh::WithKdTree)
 {
-    const PickingScene& scene = pickingScene(kind, int(state.range(0)));
+    const PickingScene& scene = pickingScene(kind, int(state.range(0)), mesh);
     osg::Vec3f point;
     for (auto _ : state) benchmark::DoNotOptimize(getClickedPoint(scene.viewer, at.x, at.y, QString(), point));
 }
 
-void clickedMesh(benchmark::State& state, featureType kind, Position at)
+void clickedMesh(benchmark::State& state, featureType kind, Position at, Mesh mesh = Mesh::WithKdTree)
 {
-    const PickingScene& scene = pickingScene(kind, int(state.range(0)));
+    const PickingScene& scene = pickingScene(kind, int(state.range(0)), mesh);
     osg::Vec3f point;
     for (auto _ : state)
         benchmark::DoNotOptimize(
@@ -91,9 +92,9 @@ bool pickDot(const PickingScene& scene, Position at)
                                                   QStringLiteral("meshData"));
 }
 
-void meshOrDot(benchmark::State& state, featureType kind, Position at)
+void meshOrDot(benchmark::State& state, featureType kind, Position at, Mesh mesh = Mesh::WithKdTree)
 {
-    const PickingScene& scene = pickingScene(kind, int(state.range(0)));
+    const PickingScene& scene = pickingScene(kind, int(state.range(0)), mesh);
     for (auto _ : state) benchmark::DoNotOptimize(pickDot(scene, at));
 }
 
@@ -107,15 +108,15 @@ bool pickFeature(const PickingScene& scene, Position at)
                                           points);
 }
 
-void featureBranch(benchmark::State& state, featureType kind, Position at)
+void featureBranch(benchmark::State& state, featureType kind, Position at, Mesh mesh = Mesh::WithKdTree)
 {
-    const PickingScene& scene = pickingScene(kind, int(state.range(0)));
+    const PickingScene& scene = pickingScene(kind, int(state.range(0)), mesh);
     for (auto _ : state) benchmark::DoNotOptimize(pickFeature(scene, at));
 }
 
 void meshOrDotByLabel(benchmark::State& state)
 {
-    const PickingScene& scene = pickingScene(featureDot, int(state.range(0)));
+    const PickingScene& scene = pickingScene(featureDot, int(state.range(0)), Mesh::WithKdTree);
     const Position at = labelOf(scene, featureDot);
     for (auto _ : state)
         if (!pickDot(scene, at)) state.SkipWithError("no label hit");
@@ -123,7 +124,7 @@ void meshOrDotByLabel(benchmark::State& state)
 
 void featureBranchByLabel(benchmark::State& state)
 {
-    const PickingScene& scene = pickingScene(featureDot, int(state.range(0)));
+    const PickingScene& scene = pickingScene(featureDot, int(state.range(0)), Mesh::WithKdTree);
     const Position at = labelOf(scene, featureDot);
     for (auto _ : state)
         if (!pickFeature(scene, at)) state.SkipWithError("no label hit");
@@ -155,6 +156,18 @@ BENCHMARK_CAPTURE(featureBranch, LinesNothing, featureLine, kNothing)->Apply(siz
 BENCHMARK_CAPTURE(rawRay, PlanesNothing, featurePlane, kNothing)->Apply(sizes);
 BENCHMARK_CAPTURE(rawBox, PlanesNothing, featurePlane, kNothing)->Apply(sizes);
 BENCHMARK_CAPTURE(featureBranch, PlanesNothing, featurePlane, kNothing)->Apply(sizes);
+
+// Where the triangles of a mesh are what a pick takes its time for.
+#define KELV_MESH_PICK(function)                                                                                       \
+    BENCHMARK_CAPTURE(function, MeshWithoutKdTree, featureDot, kMeshOnly, Mesh::WithoutKdTree)                         \
+        ->Arg(100)                                                                                                     \
+        ->Unit(benchmark::kMillisecond)
+KELV_MESH_PICK(rawRay);
+KELV_MESH_PICK(rawBox);
+KELV_MESH_PICK(clickedPoint);
+KELV_MESH_PICK(clickedMesh);
+KELV_MESH_PICK(meshOrDot);
+KELV_MESH_PICK(featureBranch);
 
 } // namespace
 

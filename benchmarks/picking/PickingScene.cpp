@@ -12,7 +12,7 @@
 
 #include <cmath>
 #include <map>
-#include <utility>
+#include <tuple>
 
 using namespace KelvOsgTools;
 
@@ -48,15 +48,17 @@ osg::ref_ptr<osg::DrawElementsUInt> meshTriangles()
     return triangles;
 }
 
-osg::ref_ptr<osg::Node> meshWithKdTree()
+osg::ref_ptr<osg::Node> buildMesh(Mesh mesh)
 {
     const osg::ref_ptr<osg::Geometry> geometry = new osg::Geometry;
     geometry->setVertexArray(meshVertices());
     geometry->addPrimitiveSet(meshTriangles());
     osg::ref_ptr<osg::Geode> geode = new osg::Geode;
     geode->addDrawable(geometry);
-    osg::ref_ptr<osg::KdTreeBuilder> builder = new osg::KdTreeBuilder;
-    geode->accept(*builder);
+    if (mesh == Mesh::WithKdTree) {
+        osg::ref_ptr<osg::KdTreeBuilder> builder = new osg::KdTreeBuilder;
+        geode->accept(*builder);
+    }
     return geode;
 }
 
@@ -121,9 +123,8 @@ void cull(osgViewer::Viewer& viewer)
     viewer.getSceneData()->accept(*visitor);
 }
 
-PickingScene build(featureType kind, int count)
+PickingScene build(featureType kind, int count, const osg::ref_ptr<osg::Node>& mesh)
 {
-    static const osg::ref_ptr<osg::Node> mesh = meshWithKdTree();
     PickingScene scene;
     scene.root = new osg::Group;
     const osg::ref_ptr<osg::Group> meshData = new osg::Group;
@@ -144,12 +145,15 @@ PickingScene build(featureType kind, int count)
 
 } // namespace
 
-const PickingScene& pickingScene(featureType kind, int count)
+const PickingScene& pickingScene(featureType kind, int count, Mesh mesh)
 {
-    static std::map<std::pair<int, int>, PickingScene> scenes;
-    const auto key = std::make_pair(int(kind), count);
+    static std::map<Mesh, osg::ref_ptr<osg::Node>> meshes;
+    static std::map<std::tuple<int, int, Mesh>, PickingScene> scenes;
+    osg::ref_ptr<osg::Node>& built = meshes[mesh];
+    if (!built) built = buildMesh(mesh);
+    const auto key = std::make_tuple(int(kind), count, mesh);
     const auto found = scenes.find(key);
-    return found != scenes.end() ? found->second : scenes.emplace(key, build(kind, count)).first->second;
+    return found != scenes.end() ? found->second : scenes.emplace(key, build(kind, count, built)).first->second;
 }
 
 } // namespace kelvbench

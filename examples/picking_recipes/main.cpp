@@ -53,6 +53,7 @@ QList<QVariant> listOf(const QStringList& visibleFeatures)
     return list;
 }
 
+//! [click]
 CFeatureMetaObject* featureUnder(osgViewer::Viewer& viewer, const QList<QVariant>& visible, float x, float y)
 {
     CFeatureMetaObject* feature = nullptr; // owned by the scene
@@ -62,12 +63,22 @@ CFeatureMetaObject* featureUnder(osgViewer::Viewer& viewer, const QList<QVariant
     getIntersectionToFeatureBranch(&viewer, visible, x, y, featureAll, point, feature, kind, points);
     return feature;
 }
+//! [click]
 
+//! [any point]
+bool pointUnder(osgViewer::Viewer& viewer, float x, float y, osg::Vec3f& point)
+{
+    return getClickedPoint(&viewer, x, y, QString(), point); // of the nearest thing, whatever it is
+}
+//! [any point]
+
+//! [dot or mesh]
 bool dotOrMeshUnder(osgViewer::Viewer& viewer, const QList<QVariant>& visible, float x, float y, osg::Vec3f& point)
 {
     CAutoScaleSphereMeta* dot = nullptr; // stays null where the mesh was hit
     return getClickedPointToMeshDataAndDotFeature(&viewer, visible, x, y, point, dot, QStringLiteral("meshData"));
 }
+//! [dot or mesh]
 
 /// Highlights the feature under the mouse, and paints the one before it black: no state gives back
 /// the colours of a new feature.
@@ -126,6 +137,8 @@ int main(int argc, char** argv)
     hover.moveTo(onLabel);
     isRight &= expect(onLabel && onLabel->getName() == "dot-2", "of overlapping labels the one drawn last is hit");
     isRight &= expect(!featureUnder(viewer, listOf({}), 480, 380), "a mesh is no feature");
+    isRight &= expect(pointUnder(viewer, 480, 380, point) && (point - osg::Vec3f(30, 80, 100)).length() < 1e-3f,
+                      "the nearest thing under the mouse gives its point");
     isRight &= expect(dotOrMeshUnder(viewer, visible, 450, 320, point) && point == osg::Vec3f(0, 5, 100),
                       "a dot gives its own point");
     isRight &=

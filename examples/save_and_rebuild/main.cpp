@@ -16,7 +16,7 @@ void addFeatures(const osg::ref_ptr<osg::Group>& scene, int i)
     createPlaneAndTable(featureStateNormal, QString::number(i), scene, {at, at + right, at + right + up, at + up},
                         {0, -1, 0}, 1, "Plane", i);
 }
-
+//! [rebuild]
 void rebuildAll(const importFeature& saved, const osg::ref_ptr<osg::Group>& scene)
 {
     // A file has no names. Each feature needs one of its own, or the next would take its place.
@@ -42,7 +42,7 @@ void rebuildAll(const importFeature& saved, const osg::ref_ptr<osg::Group>& scen
                             label.tableNamePrefix, label.tableNameIndexSuffix);
     }
 }
-
+//! [rebuild]
 int main(int argc, char** argv)
 {
     QGuiApplication application(argc, argv); // measures the labels

@@ -22,9 +22,13 @@ class CTableMeta;
 /// Nodes of a solid arrow: two transforms, each with a geode, for the shapes "cylinderDrawable" and
 /// "coneDrawable". Nodes of a line arrow: one transform, a geode and the geometry "arrowLineNode",
 /// which carries "feature_type" 2 as well. The label, after addTable(), is the last child.
+///
+/// @image html CArrowMeta.png "Solid; line with a head, without one, and with isDepthTest false"
+/// @snippet gallery/Subjects.cpp CArrowMeta
 class KELVOSGTOOLS_EXPORT CArrowMeta : public CFeatureMetaObject
 {
 public:
+    /// What an arrow is made from; copied when it is built.
     struct structArrowMeta
     {
         osg::Vec3f startPos;                      ///< tail of the shaft
@@ -52,8 +56,10 @@ public:
     ///         true and leaves the arrow without a label.
     bool addTable(osg::ref_ptr<osg::Group> table);
 
-    osg::Vec3f getStartPos();
-    osg::Vec3f getEndPos();
+    osg::Vec3f getStartPos(); ///< of the record; no transform is applied
+    osg::Vec3f getEndPos();   ///< of the record; no transform is applied
+
+    /// The record; lives as long as the arrow.
     const structArrowMeta& getMetaStruct() const;
 
     /// Colours the arrow, widens a selected line arrow, and passes the state on to the label. Does

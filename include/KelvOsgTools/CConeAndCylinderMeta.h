@@ -13,9 +13,15 @@
 namespace KelvOsgTools {
 
 /// Maker of coordinate-axis arrows and of the red, green and blue axis triad.
+///
+/// What it makes is the caller's to hang into a scene, and stands at the origin of its parent.
+///
+/// @image html CConeAndCylinderMeta.png "The triad of createAxis()"
+/// @snippet gallery/Subjects.cpp CConeAndCylinderMeta
 class KELVOSGTOOLS_EXPORT CConeAndCylinderMeta : public CFeatureMetaObject
 {
 public:
+    /// What an axis arrow is made from.
     struct structConeAndCylinderMeta
     {
         float length = 10.0f;                     ///< from the origin to the tip, pixels
@@ -26,14 +32,17 @@ public:
         int axisIndex = 0;                        ///< 0: X, 1: Y, 2: Z; any other value: X
     };
 
-    CConeAndCylinderMeta();
+    CConeAndCylinderMeta(); ///< without an arrow
     ~CConeAndCylinderMeta() override;
 
     /// Shallow: shares the children and the arrow of other.
     CConeAndCylinderMeta(const CConeAndCylinderMeta& other);
 
     /// Builds one axis arrow of constant screen size at the origin: shaft, head and letter. The
-    /// arrow is the caller's to place; this object remembers the last one.
+    /// arrow is the caller's to place; this object remembers the last one. Reads the font of the
+    /// configuration for the letter.
+    /// @image html createAxisArraw.png "One axis arrow"
+    /// @snippet gallery/Subjects.cpp createAxisArraw
     osg::ref_ptr<osg::AutoTransform> createAxisArraw(const structConeAndCylinderMeta& meta);
 
     /// Builds the triad: under the transform of a featureBaseNode, each axis twice, once as it is
@@ -57,13 +66,15 @@ private:
     std::string m_cylinderName = "Cylinder";
 };
 
-/// Empty feature of the axis family.
+/// Empty feature of the axis family, for the host to hang axes under.
+///
+/// @snippet feature_recipes/main.cpp axis group
 class KELVOSGTOOLS_EXPORT CAxisMeta : public CFeatureMetaObject
 {
 public:
-    CAxisMeta();
+    CAxisMeta(); ///< without children
     ~CAxisMeta() override;
-    CAxisMeta(const CAxisMeta& other);
+    CAxisMeta(const CAxisMeta& other); ///< shallow: shares the children of other
 };
 
 } // namespace KelvOsgTools

@@ -18,18 +18,20 @@ class CTableMeta;
 ///
 /// Same nodes as CAutoScaleSphereMeta, but "feature_type" 5, the flag dots' colours, and a sphere
 /// that is 5 pixels larger in radius while it is selected.
+///
+/// @image html CFlagAutoScaleSphereMeta.png "A new flag dot, and the four states"
+/// @snippet gallery/Subjects.cpp CFlagAutoScaleSphereMeta
 class KELVOSGTOOLS_EXPORT CFlagAutoScaleSphereMeta : public CFeatureMetaObject
 {
 public:
-    /// @name Names of the flag features: one point, the ends of a line, three points of a plane.
-    /// Each holds its own name.
+    /// @name Names of the flag features. Each holds its own name.
     /// @{
-    static QString flag_feature_dot_name_one;
-    static QString flag_feature_line_name_start;
-    static QString flag_feature_line_name_end;
-    static QString flag_feature_plane_name_first;
-    static QString flag_feature_plane_name_second;
-    static QString flag_feature_plane_name_third;
+    static QString flag_feature_dot_name_one;      ///< the one point of a dot
+    static QString flag_feature_line_name_start;   ///< start of a line
+    static QString flag_feature_line_name_end;     ///< end of a line
+    static QString flag_feature_plane_name_first;  ///< first point of a plane
+    static QString flag_feature_plane_name_second; ///< second point of a plane
+    static QString flag_feature_plane_name_third;  ///< third point of a plane
     /// @}
 
     /// Copies the record. A centre that is not finite gives a flag that is neither drawn nor hit.

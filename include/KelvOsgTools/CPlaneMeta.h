@@ -21,18 +21,22 @@ class CTableMeta;
 ///
 /// Nodes: a geode with the geometries "line" (border) and "plane" (patch); then the normal arrows;
 /// then the label.
+///
+/// @image html CPlaneMeta.png "A new plane, and the four states"
+/// @snippet gallery/Subjects.cpp CPlaneMeta
 class KELVOSGTOOLS_EXPORT CPlaneMeta : public CFeatureMetaObject
 {
 public:
+    /// What a plane is made from; copied when it is built.
     struct structPlaneMeta
     {
-        osg::Vec3f planeColor{0.6f, 0.6f, 0.6f};  ///< RGB of the patch
-        osg::Vec3f lineColor{1.0f, 0.0f, 0.0f};   ///< RGB of the border until the first change of state
-        osg::Vec3f planeNormal;                   ///< carried and saved; not used in drawing
+        osg::Vec3f planeColor{0.6f, 0.6f, 0.6f};    ///< RGB of the patch
+        osg::Vec3f lineColor{1.0f, 0.0f, 0.0f};     ///< RGB of the border until the first change of state
+        osg::Vec3f planeNormal;                     ///< carried and saved; not used in drawing
         QString name = QStringLiteral("planeMeta"); ///< name of the feature; not used in drawing, not saved
-        std::vector<osg::Vec3f> pointVec;         ///< corners in drawing order
-        float lineWidth = 3.0f;                   ///< of the border, pixels
-        float alpha = 0.5f;                       ///< opacity of patch and border, 0 to 1
+        std::vector<osg::Vec3f> pointVec;           ///< corners in drawing order
+        float lineWidth = 3.0f;                     ///< of the border, pixels
+        float alpha = 0.5f;                         ///< opacity of patch and border, 0 to 1
     };
 
     /// Copies the record, which stays unchanged. Without a point, or with one that is not finite,
@@ -52,8 +56,10 @@ public:
     ///         true and leaves the plane without a label.
     bool addTable(osg::ref_ptr<osg::Group> table);
 
-    /// The corners of the record.
+    /// The corners of the record; live as long as the plane.
     const std::vector<osg::Vec3f>& getPlaneInfo() const;
+
+    /// The record; lives as long as the plane.
     const structPlaneMeta& getMetaStruct() const;
 
     /// Colours the border, never the patch, and passes the state on to the normal arrows and the

@@ -18,22 +18,26 @@
 namespace KelvOsgTools {
 
 /// Maker of plain spheres, without label and state. The spheres are the caller's to place.
+///
+/// @image html CSphereMeta.png "A sphere in scene units"
+/// @snippet gallery/Subjects.cpp CSphereMeta
 class KELVOSGTOOLS_EXPORT CSphereMeta : public CFeatureMetaObject
 {
 public:
+    /// What a sphere is made from.
     struct structSphereMeta
     {
-        osg::Vec3f cneterPos;                    ///< centre, in the coordinates of the node the sphere is hung under
-        float radius = 1.0f;                     ///< scene units; pixels for CreateAutoScaleSphereMeta()
-        std::string nodeName = "SphereMeta";     ///< UTF-8
-        float ratio = 3.0f;                      ///< detail ratio of the tessellation
+        osg::Vec3f cneterPos;                     ///< centre, in the coordinates of the node the sphere is hung under
+        float radius = 1.0f;                      ///< scene units; pixels for CreateAutoScaleSphereMeta()
+        std::string nodeName = "SphereMeta";      ///< UTF-8
+        float ratio = 3.0f;                       ///< detail ratio of the tessellation
         osg::Vec4f color{1.0f, 1.0f, 1.0f, 1.0f}; ///< RGBA
     };
 
-    CSphereMeta();
+    CSphereMeta(); ///< without a sphere
     ~CSphereMeta() override;
 
-    /// Shares the geode of other.
+    /// Shallow: shares the geode of other.
     CSphereMeta(const CSphereMeta& other);
 
     /// A sphere sized in scene units: a geode named after the record. It becomes the one that
@@ -59,15 +63,19 @@ private:
 ///
 /// Nodes: the dot, with "feature_type" 1; under it a transform named after the record, a geode and
 /// the sphere "drawableShpere"; beside the transform, after addTable(), the label.
+///
+/// @image html CAutoScaleSphereMeta.png "A new dot, and the four states"
+/// @snippet gallery/Subjects.cpp CAutoScaleSphereMeta
 class KELVOSGTOOLS_EXPORT CAutoScaleSphereMeta : public CFeatureMetaObject
 {
 public:
+    /// What a dot is made from; copied when it is built.
     struct structSphereMeta
     {
-        osg::Vec3f cneterPos;                    ///< the marked point, in the coordinates of the node the dot is hung under
-        std::string nodeName = "SphereMeta";     ///< name of the scaling transform, UTF-8
-        float radius = 1.0f;                     ///< screen pixels
-        float ratio = 3.0f;                      ///< detail ratio of the tessellation
+        osg::Vec3f cneterPos;                ///< the marked point, in the coordinates of the node the dot is hung under
+        std::string nodeName = "SphereMeta"; ///< name of the scaling transform, UTF-8
+        float radius = 1.0f;                 ///< screen pixels
+        float ratio = 3.0f;                  ///< detail ratio of the tessellation
         osg::Vec4f color{1.0f, 1.0f, 1.0f, 1.0f}; ///< RGBA until the first change of state
     };
 
@@ -86,6 +94,7 @@ public:
     /// The centre of the record; no transform is applied.
     osg::Vec3f getCenterPos();
 
+    /// The record; lives as long as the dot.
     const structSphereMeta& getMetaStruct() const;
 
     /// Copy of the label's record; a default record until addTable() succeeded.

@@ -25,32 +25,39 @@ namespace KelvOsgTools {
 /// layout it is a unit of the scene. Labels draw without depth test, over what was drawn before.
 ///
 /// Nodes: the table, named "showTableNode"; under it a geode with the drawables "squareLineNode"
-/// (outline), "squareNode" (fill) and "textNode" (text), in this order.
+/// (outline), "squareNode" (fill) and "textNode" (text), in this order. The table carries
+/// "feature_type" 4.
+///
+/// @image html CTableMeta.png "A new label, and the four states"
+/// @snippet gallery/Subjects.cpp CTableMeta
 class KELVOSGTOOLS_EXPORT CTableMeta : public osg::AutoTransform
 {
 public:
+    /// What a label is made from; copied when it is built.
     struct structTableMeta
     {
-        osg::Vec4f textColor{0.0f, 0.0f, 0.0f, 1.0f};  ///< RGBA of the text and, in the normal layout, of the outline
-        osg::Vec3f pos;                                ///< anchor point in the coordinates of the table's parent
-        osg::Vec3f backgroundColor{1.0f, 1.0f, 1.0f};  ///< RGB of the fill
+        osg::Vec4f textColor{0.0f, 0.0f, 0.0f, 1.0f}; ///< RGBA of the text and, in the normal layout, of the outline
+        osg::Vec3f pos;                               ///< anchor point in the coordinates of the table's parent
+        osg::Vec3f backgroundColor{1.0f, 1.0f, 1.0f}; ///< RGB of the fill
         QString tableNamePrefix = QStringLiteral("Table"); ///< text before translation; may be empty
-        int tableNameIndexSuffix = -1;                 ///< number behind the prefix; -1: none
-        int fontSize = 14;                             ///< points when measuring, character size when drawing
-        int renderIndex = 1;                           ///< render bin number; picking prefers the higher one, and needs 1 or more
-        bool isAutoScale = true;                       ///< true: normal layout (pixels), false: scaled layout (scene units)
-        bool isBottom = false;                         ///< carried and saved; the layout does not read it
+        int tableNameIndexSuffix = -1;                     ///< number behind the prefix; -1: none
+        int fontSize = 14;                                 ///< points when measuring, character size when drawing
+        int renderIndex = 1;     ///< render bin number; picking prefers the higher one, and needs 1 or more
+        bool isAutoScale = true; ///< true: normal layout (pixels), false: scaled layout (scene units)
+        bool isBottom = false;   ///< carried and saved; the layout does not read it
     };
 
     /// Builds the label. Reads the font of the configuration and translates the prefix now; the
     /// record is copied and never changes. A position that is not finite gives a label that is
-    /// neither drawn nor hit.
+    /// neither drawn nor hit. Qt measures the text in a program with a QGuiApplication; without one
+    /// the rectangle is that of the text as it is laid out.
     explicit CTableMeta(const structTableMeta& meta);
 
     /// Shallow: shares the drawables of other.
     CTableMeta(const CTableMeta& other);
     ~CTableMeta() override;
 
+    /// The record; lives as long as the label.
     const structTableMeta& getMetaStruct() const;
 
     /// Tells whether a window position lies on the label's rectangle; its edges are outside.
@@ -61,6 +68,7 @@ public:
 
     /// Translates, measures and builds the label anew, in its present state; call it after the
     /// translators changed. Does nothing in the scaled layout, or once the geode was removed.
+    /// @snippet feature_recipes/main.cpp language
     void updateLanguage();
 
     /// Colours text and outline: the plane configuration's table colours when selected or
@@ -70,6 +78,8 @@ public:
 
     /// As in the base class, but in the normal layout a unit is exactly a pixel in every projection.
     bool computeLocalToWorldMatrix(osg::Matrix& matrix, osg::NodeVisitor* visitor) const override;
+
+    /// The way back.
     bool computeWorldToLocalMatrix(osg::Matrix& matrix, osg::NodeVisitor* visitor) const override;
 
 private:

@@ -20,6 +20,9 @@ enum featureType : int
 ///
 /// Only the last two colour a primitive, in the configured colours of its kind. Every other state
 /// paints it opaque black; no state brings the colour of its record back.
+///
+/// @image html states.png "Features that are new, and in the four states"
+/// @snippet feature_recipes/main.cpp own colour
 enum featureState : int
 {
     featureStateNone = 0,       ///< opaque black

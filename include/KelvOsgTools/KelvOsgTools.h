@@ -3,6 +3,9 @@
 /// @file
 /// Everything the library offers.
 
+/// @namespace KelvOsgTools
+/// Measurement annotations in an OpenSceneGraph scene: dots, lines and planes with labels.
+
 #include <KelvOsgTools/CArrowMeta.h>
 #include <KelvOsgTools/CConeAndCylinderMeta.h>
 #include <KelvOsgTools/CFeatureConfig.h>

@@ -22,13 +22,17 @@ namespace KelvOsgTools {
 /// Every operation reports to Qt's debug channel only. A file carries no names, states or
 /// transforms, and of a line not whether it is drawn as lines; flag dots are not saved. See
 /// importFeature for how to get every feature back.
+///
+/// @dontinclude save_and_rebuild/main.cpp
+/// @skip exporter.getMetaStructInfo(scene)
+/// @until createXML
 class KELVOSGTOOLS_EXPORT exportFeature
 {
 public:
     /// Empty lists, identity transform, counters 0.
     exportFeature();
-    exportFeature(const exportFeature& other);
-    exportFeature& operator=(const exportFeature& other);
+    exportFeature(const exportFeature& other);            ///< copies all that other gathered
+    exportFeature& operator=(const exportFeature& other); ///< takes over all that other gathered
     ~exportFeature();
 
     /// Copies the records of all dots, lines and planes under root, in scene order, and replaces

@@ -10,6 +10,8 @@ namespace KelvOsgTools {
 ///
 /// Child 0 is an identity `osg::MatrixTransform` named "MatrixTransform". All content hangs under
 /// that transform, never directly under the switch.
+///
+/// @snippet feature_recipes/main.cpp group
 class KELVOSGTOOLS_EXPORT featureBaseNode : public osg::Switch
 {
 public:

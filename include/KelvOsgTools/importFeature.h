@@ -28,7 +28,9 @@ class ImportFeatureAccess; // of the tests, for the path from an exporter withou
 /// A file carries no names. createFeature() gives each feature the default name of its record, so
 /// features of one kind replace each other: after it one dot, one line and one plane stand. A host
 /// that wants every feature back walks the getters and calls the assembly functions itself, with
-/// names of its own, and gives a plane the normal of its points, since a saved normal is zero.
+/// names of its own, and gives a plane the normal of its points, since a saved normal is zero:
+///
+/// @snippet save_and_rebuild/main.cpp rebuild
 class KELVOSGTOOLS_EXPORT importFeature
 {
 public:
@@ -38,8 +40,8 @@ public:
     /// Imports nothing: reads the file through and discards it. Kept for old hosts; use the default
     /// constructor and getFeatureInfoIntoXML().
     importFeature(osg::ref_ptr<osg::Group> root, QString path, QString name);
-    importFeature(const importFeature& other);
-    importFeature& operator=(const importFeature& other);
+    importFeature(const importFeature& other);            ///< copies all that other read
+    importFeature& operator=(const importFeature& other); ///< takes over all that other read
     ~importFeature();
 
     /// Reads path + "/" + name. What an earlier call read is replaced once the file is open. A
@@ -51,17 +53,18 @@ public:
     /// @param root the host's scene group; null rebuilds nothing
     void createFeature(osg::ref_ptr<osg::Group> root);
 
+    /// The counters of the file; 0 where it carries none.
     void getFeatureTagCount(int& dot, int& arrow, int& plane);
 
     /// @name What was read, in file order. Record i and label record i belong to the same feature.
-    /// A plane always has four points.
+    /// The lists live until the next file is read, or as long as this object.
     /// @{
-    const QVector<CAutoScaleSphereMeta::structSphereMeta>& getAutoScaleShpereMetaInfo() const;
-    const QVector<CTableMeta::structTableMeta>& getAutoScaleShpereTableInfo() const;
-    const QVector<CArrowMeta::structArrowMeta>& getArrowMetaInfo() const;
-    const QVector<CTableMeta::structTableMeta>& getArrowTableInfo() const;
-    const QVector<CPlaneMeta::structPlaneMeta>& getPlaneMetaInfo() const;
-    const QVector<CTableMeta::structTableMeta>& getPlaneTableInfo() const;
+    const QVector<CAutoScaleSphereMeta::structSphereMeta>& getAutoScaleShpereMetaInfo() const; ///< dots
+    const QVector<CTableMeta::structTableMeta>& getAutoScaleShpereTableInfo() const;           ///< labels of dots
+    const QVector<CArrowMeta::structArrowMeta>& getArrowMetaInfo() const;                      ///< lines
+    const QVector<CTableMeta::structTableMeta>& getArrowTableInfo() const;                     ///< labels of lines
+    const QVector<CPlaneMeta::structPlaneMeta>& getPlaneMetaInfo() const;  ///< planes; always four points
+    const QVector<CTableMeta::structTableMeta>& getPlaneTableInfo() const; ///< labels of planes
     /// @}
 
 private:

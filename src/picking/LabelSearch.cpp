@@ -1,7 +1,9 @@
 #include "picking/LabelSearch.h"
 
+#include "foundation/AheadTraversal.h"
 #include "foundation/SceneMarks.h"
 #include "primitives/FlatGeometry.h"
+#include "primitives/SharingDrawable.h"
 #include "primitives/SphereDrawable.h"
 
 #include <osg/Geometry>
@@ -14,6 +16,8 @@
 
 namespace KelvOsgTools::detail {
 namespace {
+
+constexpr unsigned int kLevelsToDrawables = 5; // from a plane to the drawables of its normal arrows
 
 /// Looks at the lengths first: most names then need not be read.
 bool hasName(const osg::Node& node, std::string_view name)
@@ -33,7 +37,7 @@ bool isPlainDrawable(const osg::Node& node)
     // By address, which is quicker than comparing and at worst takes a drawable for an unknown one.
     const std::type_info* const kind = &typeid(node);
     return kind == &typeid(FlatGeometry) || kind == &typeid(osgText::Text) || kind == &typeid(SphereDrawable) ||
-           kind == &typeid(osg::ShapeDrawable) || kind == &typeid(osg::Geometry);
+           kind == &typeid(SharingDrawable) || kind == &typeid(osg::ShapeDrawable) || kind == &typeid(osg::Geometry);
 }
 
 } // namespace
@@ -45,6 +49,11 @@ LabelSearch::LabelSearch(std::function<bool(CTableMeta&)> isHit)
 void LabelSearch::apply(osg::Node& node)
 {
     visit(node, [&] { traverse(node); });
+}
+
+void LabelSearch::apply(osg::Group& group)
+{
+    visit(group, [&] { traverseAhead(group, *this, kLevelsToDrawables); });
 }
 
 void LabelSearch::apply(osg::Geode& geode)

@@ -41,6 +41,7 @@ public:
 
     using osg::NodeVisitor::apply;
     void apply(osg::Node& node) override;
+    void apply(osg::Group& group) override;
     void apply(osg::Geode& geode) override;
 
     /// In the order of traversal.

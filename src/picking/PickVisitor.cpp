@@ -2,6 +2,7 @@
 
 #include <KelvOsgTools/CTableMeta.h>
 
+#include "foundation/AheadTraversal.h"
 #include "primitives/PixelScale.h"
 
 #include <osg/Camera>
@@ -27,6 +28,8 @@ constexpr double kLargestScale = 1e9;
 constexpr double kUnitTolerance = 1e-6;
 
 constexpr double kLeadsBackTolerance = 1e-6;
+
+constexpr unsigned int kLevelsToTransforms = 2; // a feature and the transforms below, where most picks miss
 
 double sumOfSizes(const osg::Vec3d& vector)
 {
@@ -104,14 +107,33 @@ void PickVisitor::leaveOut(const osg::NodePath& path)
 
 void PickVisitor::apply(osg::Group& group)
 {
-    if (!isLeftOut()) osgUtil::IntersectionVisitor::apply(group);
+    if (isLeftOut() || !enter(group)) return;
+    traverseAhead(group, *this, kLevelsToTransforms);
+    leave();
 }
 
 void PickVisitor::apply(osg::Transform& transform)
 {
     if (isLeftOut() || surelyMisses(transform)) return;
-    if (transform.getReferenceFrame() != osg::Transform::RELATIVE_RF) m_stayedInWorld = false;
+    if (transform.getReferenceFrame() != osg::Transform::RELATIVE_RF)
+        m_stayedInWorld = false;
+    else if (isWideGroup(transform))
+        return applyWide(transform);
     osgUtil::IntersectionVisitor::apply(transform);
+}
+
+/// As the plain visitor does, but for the way through the children.
+void PickVisitor::applyWide(osg::Transform& transform)
+{
+    if (!enter(transform)) return;
+    const osg::ref_ptr<osg::RefMatrix> matrix = new osg::RefMatrix(matrixOrIdentity(getModelMatrix()));
+    transform.computeLocalToWorldMatrix(*matrix, this);
+    pushModelMatrix(matrix);
+    push_clone();
+    traverseAhead(transform, *this, kLevelsToTransforms);
+    pop_clone();
+    popModelMatrix();
+    leave();
 }
 
 void PickVisitor::apply(osg::Projection& projection)

@@ -43,6 +43,7 @@ private:
     /// Whether mayTouch() can be relied on in the present subtree.
     virtual bool isReliable() = 0;
 
+    void applyWide(osg::Transform& transform);
     bool isLeftOut() const;
     bool surelyMisses(const osg::Transform& transform);
     bool surelyMisses(const osg::AutoTransform& transform, const osg::BoundingSphere& content);

@@ -241,6 +241,7 @@ osg::ref_ptr<osgText::Text> CTableMeta::textNode(const std::wstring& text, float
     drawable->setDataVariance(osg::Object::DYNAMIC); // states recolour it while frames are drawn
     drawable->setColor(color);
     drawable->setDrawMode(osgText::TextBase::TEXT);
+    drawable->setEnableDepthWrites(false); // a second pass, for nothing where depth is not tested
     drawable->setPosition(osg::Vec3f(0.0f, kTextLift, 0.0f));
     return drawable;
 }

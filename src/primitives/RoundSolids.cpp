@@ -7,7 +7,9 @@
 #include <osg/Referenced>
 #include <osg/observer_ptr>
 
+#include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <map>
 #include <vector>
 
@@ -16,6 +18,8 @@ namespace {
 
 constexpr float kConeBase = -0.25f; // of its height: osg::Cone centres itself a quarter above its base
 constexpr float kConeTip = 0.75f;
+constexpr float kSlopeSteps = 4096.0f; // in which normals are shared; the shade moves by a tenth of one level
+constexpr std::size_t kFewSlopes = 64;
 
 /// What all round solids of as many segments have in common.
 class RoundTemplate : public osg::Referenced
@@ -30,6 +34,19 @@ public:
         found = new RoundTemplate(segments);
         entry = found;
         return found;
+    }
+
+    /// The normals of cones that rise as much towards the tip.
+    osg::ref_ptr<osg::Vec3Array> coneNormals(float rise)
+    {
+        const long step = std::lround(rise * kSlopeSteps);
+        osg::ref_ptr<osg::Vec3Array> normals;
+        if (const auto known = m_coneNormals.find(step); known != m_coneNormals.end() && known->second.lock(normals))
+            return normals;
+        forgetUnusedNormals();
+        normals = makeConeNormals(static_cast<float>(step) / kSlopeSteps);
+        m_coneNormals[step] = normals;
+        return normals;
     }
 
     std::vector<osg::Vec2f> circle;  ///< unit circle, the first point once more at the end
@@ -88,6 +105,32 @@ private:
         coneTriangles = triangleSet(indices, bottom + ring + 1);
     }
 
+    osg::ref_ptr<osg::Vec3Array> makeConeNormals(float rise) const
+    {
+        // The slope that OpenSceneGraph gives the normals of its cones, so that both are shaded alike.
+        const float shrink = 1.0f / std::sqrt(1.0f + rise * rise);
+        const auto sideNormal = [&](const osg::Vec2f& point) { return osg::Vec3f(point * shrink, rise * shrink); };
+        const std::size_t count = middles.size() + 2 * circle.size() + 1;
+        osg::ref_ptr<osg::Vec3Array> normals = new osg::Vec3Array(osg::Array::BIND_PER_VERTEX);
+        normals->reserve(count);
+        for (const osg::Vec2f& middle : middles) normals->push_back(sideNormal(middle));
+        for (const osg::Vec2f& point : circle) normals->push_back(sideNormal(point));
+        normals->resize(count, osg::Vec3f(0.0f, 0.0f, -1.0f));
+        return normals;
+    }
+
+    /// Now and then, so that the time for it does not grow with the number of slopes.
+    void forgetUnusedNormals()
+    {
+        if (m_coneNormals.size() < m_slopesToClean) return;
+        for (auto entry = m_coneNormals.begin(); entry != m_coneNormals.end();)
+            entry = entry->second.valid() ? std::next(entry) : m_coneNormals.erase(entry);
+        m_slopesToClean = std::max(kFewSlopes, 2 * m_coneNormals.size());
+    }
+
+    std::map<long, osg::observer_ptr<osg::Vec3Array>> m_coneNormals; // by the step of their slope
+    std::size_t m_slopesToClean = kFewSlopes;
+
     static void appendQuad(std::vector<unsigned int>& indices, unsigned int upper, unsigned int lower)
     {
         indices.insert(indices.end(), {upper, lower, upper + 1, upper + 1, lower, lower + 1});
@@ -130,22 +173,12 @@ osg::ref_ptr<osg::Referenced> setConeArrays(osg::Geometry& geometry, unsigned in
 {
     osg::ref_ptr<RoundTemplate> shape = RoundTemplate::shared(segments);
     const float baseZ = height * kConeBase;
-    // The slope that OpenSceneGraph gives the normals of its cones, so that both are shaded alike.
     const float side = std::hypot(radius, height);
     const float rise = side > 0.0f ? radius / side : 0.0f;
-    const float shrink = 1.0f / std::sqrt(1.0f + rise * rise);
-    const auto sideNormal = [&](const osg::Vec2f& point) { return osg::Vec3f(point * shrink, rise * shrink); };
-
-    const std::size_t count = shape->middles.size() + 2 * shape->circle.size() + 1;
+    const osg::ref_ptr<osg::Vec3Array> normals = shape->coneNormals(rise);
     const osg::ref_ptr<osg::Vec3Array> vertices = new osg::Vec3Array(osg::Array::BIND_PER_VERTEX);
-    const osg::ref_ptr<osg::Vec3Array> normals = new osg::Vec3Array(osg::Array::BIND_PER_VERTEX);
     vertices->setVertexBufferObject(buffer);
-    normals->setVertexBufferObject(buffer);
-    vertices->reserve(count);
-    normals->reserve(count);
-    for (const osg::Vec2f& middle : shape->middles) normals->push_back(sideNormal(middle));
-    for (const osg::Vec2f& point : shape->circle) normals->push_back(sideNormal(point));
-    normals->resize(count, osg::Vec3f(0.0f, 0.0f, -1.0f));
+    vertices->reserve(normals->size());
     vertices->resize(shape->middles.size(), osg::Vec3f(0.0f, 0.0f, height * kConeTip));
     appendRing(*vertices, *shape, radius, baseZ);
     appendDisc(*vertices, *shape, radius, baseZ);

@@ -1,12 +1,12 @@
 #include "primitives/ShapeBuilder.h"
 
 #include "primitives/RoundSolids.h"
+#include "primitives/SharingDrawable.h"
 
 #include <osg/Geode>
 
 #include <algorithm>
 #include <cmath>
-#include <utility>
 
 namespace KelvOsgTools::detail {
 namespace {
@@ -20,25 +20,6 @@ float buildableRatio(float ratio)
     // Neither a NaN nor a negative number can become a number of segments; 0 stands for the standard.
     return ratio > 0.0f ? std::fmin(ratio, kMaxBuiltRatio) : 0.0f;
 }
-
-/// A shape drawable that shares arrays with others and keeps alive what they share.
-class SharingDrawable : public osg::ShapeDrawable
-{
-public:
-    SharingDrawable(osg::Shape* shape, osg::TessellationHints* hints)
-    {
-        _shape = shape; // not by setShape, which would tessellate it
-        _tessellationHints = hints;
-    }
-
-    void keep(osg::ref_ptr<osg::Referenced> shared) { m_shared = std::move(shared); }
-
-protected:
-    ~SharingDrawable() override = default;
-
-private:
-    osg::ref_ptr<osg::Referenced> m_shared;
-};
 
 /// The look of a new drawable.
 void dress(osg::ShapeDrawable& drawable, const osg::Vec4f& color, const std::string& name)

@@ -3,6 +3,7 @@
 #include <KelvOsgTools/CFeatureConfig.h>
 #include <KelvOsgTools/FeatureFunctions.h>
 
+#include "foundation/AheadTraversal.h"
 #include "scene/FeatureRoots.h"
 
 namespace KelvOsgTools::detail {
@@ -46,13 +47,11 @@ private:
     bool m_kept = false;
 };
 
-/// Fetches a node ahead of its use. Thousands of nodes lie scattered in memory: waiting for each is
-/// what a search of their names would spend its time on.
-void prefetch([[maybe_unused]] const osg::Node* node)
+/// Looks at the last byte first: names of features mostly differ in their numbers.
+bool hasName(const osg::Node& node, const std::string& name)
 {
-#if defined(__GNUC__)
-    if (node) __builtin_prefetch(&node->getName());
-#endif
+    const std::string& own = node.getName();
+    return own.size() == name.size() && (name.empty() || own.back() == name.back()) && own == name;
 }
 
 /// Removes the children of that name, save the last child of the group.
@@ -60,8 +59,8 @@ void removeFormerChildren(osg::Group& group, const std::string& name)
 {
     constexpr unsigned int kAhead = 16;
     for (unsigned int i = group.getNumChildren() - 1; i-- > 0;) {
-        if (i >= kAhead) prefetch(group.getChild(i - kAhead));
-        if (const osg::Node* child = group.getChild(i); child && child->getName() == name) group.removeChildren(i, 1);
+        if (i >= kAhead) prefetch(&group.getChild(i - kAhead)->getName(), sizeof(std::string));
+        if (hasName(*group.getChild(i), name)) group.removeChildren(i, 1);
     }
 }
 

@@ -5,6 +5,7 @@
 #include <KelvOsgTools/FeatureFunctions.h>
 
 #include "foundation/UserValues.h"
+#include "picking/CountedGroup.h"
 #include "picking/PickingViewers.h"
 #include "support/NodeBuilders.h"
 #include "support/ViewerBuilders.h"
@@ -377,22 +378,6 @@ TEST(LabelPick, MissesALabelWithoutAPlace)
     scene.features->addChild(dot);
     EXPECT_EQ(scene.pickedName(listOf({"dot"})), "none");
 }
-
-namespace {
-
-/// Counts how often it is traversed.
-class CountedGroup : public osg::Group
-{
-public:
-    void traverse(osg::NodeVisitor& visitor) override
-    {
-        ++count;
-        osg::Group::traverse(visitor);
-    }
-    int count = 0;
-};
-
-} // namespace
 
 TEST(LabelPick, VisitsANodeOnceHoweverManyAreListed)
 {

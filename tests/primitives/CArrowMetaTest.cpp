@@ -11,7 +11,9 @@
 #include <osg/MatrixTransform>
 #include <osg/ShapeDrawable>
 #include <osg/io_utils>
+#include <osg/observer_ptr>
 
+#include <algorithm>
 #include <limits>
 
 namespace {
@@ -314,6 +316,46 @@ TEST(SolidArrow, ColoursAndTessellatesBothShapesByTheRecord)
     EXPECT_FALSE(hints.getCreateTextureCoords());
     EXPECT_TRUE(hints.getCreateTop() && hints.getCreateBody() && hints.getCreateBottom());
 }
+
+TEST(SolidArrow, SharesTheNormalsOfHeadsThatRiseAlike)
+{
+    const osg::ref_ptr<CArrowMeta> arrow = make(solidArrow({}, {0.0f, 0.0f, 10.0f}));
+    const osg::ref_ptr<CArrowMeta> nearlyAlike = make(solidArrow({}, {0.0f, 0.0f, 10.001f}));
+    const osg::ref_ptr<CArrowMeta> longer = make(solidArrow({}, {0.0f, 0.0f, 20.0f}));
+    EXPECT_EQ(headOf(*arrow).getNormalArray(), headOf(*nearlyAlike).getNormalArray());
+    EXPECT_NE(headOf(*arrow).getNormalArray(), headOf(*longer).getNormalArray());
+}
+
+TEST(SolidArrow, KeepsNoNormalsThatNoHeadUses)
+{
+    osg::ref_ptr<CArrowMeta> arrow = make(solidArrow({}, {0.0f, 0.0f, 10.0f}));
+    const osg::observer_ptr<osg::Array> normals = headOf(*arrow).getNormalArray();
+    arrow = nullptr;
+    EXPECT_FALSE(normals.valid());
+}
+
+class HeadOfLength : public ::testing::TestWithParam<float>
+{};
+
+/// The greatest z of a drawable's normals.
+float steepestRise(const osg::ShapeDrawable& drawable)
+{
+    float rise = -1.0f;
+    for (const osg::Vec3f& normal : dynamic_cast<const osg::Vec3Array&>(*drawable.getNormalArray()))
+        rise = std::max(rise, normal.z());
+    return rise;
+}
+
+TEST_P(HeadOfLength, IsShadedAsAConeOfOpenSceneGraphIs)
+{
+    const osg::ref_ptr<CArrowMeta> arrow = make(solidArrow({}, {0.0f, 0.0f, GetParam()}));
+    const auto& cone = dynamic_cast<const osg::Cone&>(*headOf(*arrow).getShape());
+    const osg::ref_ptr<osg::ShapeDrawable> stock =
+        new osg::ShapeDrawable(new osg::Cone(osg::Vec3f(), cone.getRadius(), cone.getHeight()));
+    EXPECT_NEAR(steepestRise(headOf(*arrow)), steepestRise(*stock), 2e-4); // a twentieth of a colour level
+}
+
+INSTANTIATE_TEST_SUITE_P(SolidArrow, HeadOfLength, ::testing::Values(0.01f, 0.3f, 1.0f, 3.0f, 7.77f, 100.0f, 1e6f));
 
 TEST(SolidArrow, ColoursShaftAndHeadByState)
 {

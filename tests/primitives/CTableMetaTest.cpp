@@ -143,6 +143,12 @@ TEST_P(TableLayout, HoldsOutlineFillAndTextInOneGeode)
     EXPECT_EQ(label.text->getName(), "textNode");
 }
 
+TEST_P(TableLayout, DrawsItsTextOnce)
+{
+    const Label label(meta());
+    EXPECT_FALSE(label.text->getEnableDepthWrites()); // which take a second pass
+}
+
 TEST_P(TableLayout, SharesOneArrayOfFourCorners)
 {
     const Label label(meta());

@@ -1,0 +1,56 @@
+#include "FeatureScenes.h"
+
+#include <osg/Viewport>
+#include <osgUtil/CullVisitor>
+#include <osgUtil/RenderStage>
+#include <osgUtil/StateGraph>
+
+#include <benchmark/benchmark.h>
+
+namespace {
+using kelvbench::Sort;
+
+constexpr int kWidth = 1000;
+constexpr int kHeight = 800;
+
+/// What a frame does before it draws: walks the scene and sorts what is to be drawn.
+void cull(benchmark::State& state, Sort sort)
+{
+    const osg::ref_ptr<osg::Group> scene = kelvbench::sceneOf(sort, static_cast<int>(state.range(0)));
+    const osg::ref_ptr<osg::Viewport> viewport = new osg::Viewport(0, 0, kWidth, kHeight);
+    const osg::ref_ptr<osg::RefMatrix> projection =
+        new osg::RefMatrix(osg::Matrixd::ortho(-kWidth / 2.0, kWidth / 2.0, -kHeight / 2.0, kHeight / 2.0, 1.0, 200.0));
+    const osg::ref_ptr<osg::RefMatrix> view =
+        new osg::RefMatrix(osg::Matrixd::lookAt(osg::Vec3d(0, 0, 100), osg::Vec3d(), osg::Vec3d(0, 1, 0)));
+    const osg::ref_ptr<osgUtil::CullVisitor> visitor = new osgUtil::CullVisitor;
+    visitor->setComputeNearFarMode(osg::CullSettings::DO_NOT_COMPUTE_NEAR_FAR);
+    const osg::ref_ptr<osgUtil::StateGraph> graph = new osgUtil::StateGraph;
+    const osg::ref_ptr<osgUtil::RenderStage> stage = new osgUtil::RenderStage;
+    for (auto _ : state) {
+        graph->clean();
+        stage->reset();
+        visitor->reset();
+        visitor->setStateGraph(graph);
+        visitor->setRenderStage(stage);
+        visitor->pushViewport(viewport);
+        visitor->pushProjectionMatrix(projection);
+        visitor->pushModelViewMatrix(view, osg::Transform::ABSOLUTE_RF);
+        scene->accept(*visitor);
+        visitor->popModelViewMatrix();
+        visitor->popProjectionMatrix();
+        visitor->popViewport();
+        stage->sort();
+    }
+}
+
+#define KELV_CULL(sort)                                                                                                \
+    BENCHMARK_CAPTURE(cull, sort, Sort::sort)->RangeMultiplier(10)->Range(100, 10000)->Unit(benchmark::kMillisecond)
+
+KELV_CULL(Dot);
+KELV_CULL(FlagDot);
+KELV_CULL(LineArrow);
+KELV_CULL(SolidArrow);
+KELV_CULL(Plane);
+KELV_CULL(BareTransform);
+
+} // namespace
