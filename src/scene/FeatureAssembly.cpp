@@ -93,6 +93,7 @@ void appendChild(osg::Group& group, osg::Node* child)
     }
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): see the header
 osg::ref_ptr<osg::Node> hangFeature(const osg::ref_ptr<osg::Group>& scene, featureType kind, std::string name,
                                     const std::function<osg::ref_ptr<osg::Node>()>& build)
 {

@@ -1,4 +1,5 @@
 #include <KelvOsgTools/CArrowMeta.h>
+#include <KelvOsgTools/CTableMeta.h>
 #include <KelvOsgTools/FeatureFunctions.h>
 
 #include "support/NodeBuilders.h"
@@ -86,6 +87,13 @@ osg::ref_ptr<osg::Group> planeIn(const osg::ref_ptr<osg::Group>& scene)
                                1, QStringLiteral("Plane"), 1);
 }
 
+osg::ref_ptr<osg::Group> sphereIn(const osg::ref_ptr<osg::Group>& scene)
+{
+    arm();
+    const osg::ref_ptr<osg::Node> sphere = findOrCreateShpere("feature", scene, osg::Vec3f());
+    return sphere ? sphere->asGroup() : nullptr;
+}
+
 struct NamedAssembly
 {
     const char* name;
@@ -140,7 +148,20 @@ INSTANTIATE_TEST_SUITE_P(Assemblies, ExhaustedMemory,
                          ::testing::Values(NamedAssembly{"Dot", dotIn}, NamedAssembly{"FlagDot", flagDotIn},
                                            NamedAssembly{"LineArrow", [](const auto& s) { return arrowIn(s, true); }},
                                            NamedAssembly{"SolidArrow", [](const auto& s) { return arrowIn(s, false); }},
-                                           NamedAssembly{"Plane", planeIn}),
+                                           NamedAssembly{"Plane", planeIn}, NamedAssembly{"Sphere", sphereIn}),
                          [](const auto& test) { return std::string(test.param.name); });
+
+TEST(ExhaustedMemoryOfALabel, GivesNone)
+{
+    const CTableMeta::structTableMeta record;
+    createTable(record); // loads what is loaded once per process
+    nextAllocationsUntilFailure = 1;
+    arm();
+    const osg::ref_ptr<osg::Group> label = createTable(record);
+    EXPECT_EQ(allocationsUntilFailure, 0) << "no allocation failed";
+    allocationsUntilFailure = 0;
+    nextAllocationsUntilFailure = 0;
+    EXPECT_FALSE(label.valid());
+}
 
 } // namespace
