@@ -11,7 +11,7 @@ import sys
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 GUIDES = ["README.md"] + [f"docs/{name}.md" for name in (
     "axis", "features", "getting-started", "labels", "persistence", "picking", "scene-conventions", "troubleshooting")]
-WRITTEN_APART = ("docs/installing.md", "docs/testing.md", "SECURITY.md")
+WRITTEN_APART = ("docs/testing.md", "SECURITY.md")
 MINIMAL_HOSTS = ["axis_in_stock_viewer", "first_label", "pick_and_select", "save_and_rebuild"]
 MINIMAL_HOST_LINES = 60
 

@@ -311,8 +311,6 @@ const std::vector<Subject>& subjects()
         {"CSphereMeta", showBall},
         {"CArrowMeta", showArrows},
         {"CPlaneMeta", showPlanes, true},
-        {"CConeAndCylinderMeta", showTriad},
-        {"createAxisArraw", showAxisArrow},
         {"createTable", makeTable, true},
         {"createAutoScaleShpereAndTable", makeDot},
         {"createFlagAutoScaleShpereAndTable", makeFlag},
@@ -321,6 +319,8 @@ const std::vector<Subject>& subjects()
         {"findOrCreateShpere", makeBall},
         {"render-index", showIndices, true},
         {"missing-characters", showMissingCharacters, true},
+        {"createAxisArraw", showAxisArrow},
+        {"CConeAndCylinderMeta", showTriad}, // the last: it switches uniforms on for all that follows
     };
     return all;
 }

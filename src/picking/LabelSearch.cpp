@@ -17,7 +17,7 @@
 namespace KelvOsgTools::detail {
 namespace {
 
-constexpr unsigned int kUsualLevels = 5; // from a plane to the drawables of its normal arrows
+constexpr unsigned int kLevelsToDrawables = 5; // from a plane to the drawables of its normal arrows
 
 /// Looks at the lengths first: most names then need not be read.
 bool hasName(const osg::Node& node, std::string_view name)
@@ -53,7 +53,7 @@ void LabelSearch::apply(osg::Node& node)
 
 void LabelSearch::apply(osg::Group& group)
 {
-    visit(group, [&] { traverseAhead(group, *this, kUsualLevels); });
+    visit(group, [&] { traverseAhead(group, *this, kLevelsToDrawables); });
 }
 
 void LabelSearch::apply(osg::Geode& geode)

@@ -29,7 +29,7 @@ constexpr double kUnitTolerance = 1e-6;
 
 constexpr double kLeadsBackTolerance = 1e-6;
 
-constexpr unsigned int kUsualLevels = 2; // a feature and the transforms below, where most picks miss
+constexpr unsigned int kLevelsToTransforms = 2; // a feature and the transforms below, where most picks miss
 
 double sumOfSizes(const osg::Vec3d& vector)
 {
@@ -108,7 +108,7 @@ void PickVisitor::leaveOut(const osg::NodePath& path)
 void PickVisitor::apply(osg::Group& group)
 {
     if (isLeftOut() || !enter(group)) return;
-    traverseAhead(group, *this, kUsualLevels);
+    traverseAhead(group, *this, kLevelsToTransforms);
     leave();
 }
 
@@ -130,7 +130,7 @@ void PickVisitor::applyWide(osg::Transform& transform)
     transform.computeLocalToWorldMatrix(*matrix, this);
     pushModelMatrix(matrix);
     push_clone();
-    traverseAhead(transform, *this, kUsualLevels);
+    traverseAhead(transform, *this, kLevelsToTransforms);
     pop_clone();
     popModelMatrix();
     leave();

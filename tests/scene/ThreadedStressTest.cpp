@@ -8,6 +8,12 @@
 
 #include <gtest/gtest.h>
 
+#include <osg/ValueObject>
+
+#include <QCoreApplication>
+#include <QStringList>
+#include <QTranslator>
+
 #include <algorithm>
 #include <cstdlib>
 #include <random>
@@ -16,16 +22,16 @@ namespace {
 using namespace KelvOsgTools;
 using namespace kelvtest;
 
-constexpr int kWidth = 320;
-constexpr int kHeight = 240;
-constexpr std::size_t kMaxFeatures = 40;
+constexpr int kWidth = 160;
+constexpr int kHeight = 120;
+constexpr std::size_t kMaxFeatures = 24;
 constexpr unsigned int kSeed = 20240229;
 
-/// A few hundred, or as many as the environment asks for.
-int frameCount()
+/// As many as a test needs, or as the environment asks for.
+int frameCount(int needed)
 {
     const char* const wanted = std::getenv("KELVOSGTOOLS_STRESS_FRAMES");
-    return wanted ? std::atoi(wanted) : 200;
+    return wanted ? std::atoi(wanted) : needed;
 }
 
 const featureType kKinds[] = {featureDot, featureLine, featurePlane};
@@ -38,6 +44,7 @@ struct Feature
     osg::Vec3f position;
     int number;
     featureState state;
+    bool isTemporary = false;
 };
 
 osg::ref_ptr<osg::Group> create(const osg::ref_ptr<osg::Group>& scene, const Feature& feature)
@@ -66,11 +73,16 @@ osg::ref_ptr<osg::Group> create(const osg::ref_ptr<osg::Group>& scene, const Fea
     }
 }
 
-/// A scene whose roots stand in a fixed order, so that equal features are drawn in equal order.
+/// Makes the roots in a fixed order, so that equal features are drawn in equal order.
+void makeRoots(const osg::ref_ptr<osg::Group>& scene)
+{
+    for (const featureType kind : kKinds) findOrCreateFeatureRootNode(scene, kind, true);
+}
+
 osg::ref_ptr<osg::Group> sceneWithRoots()
 {
     osg::ref_ptr<osg::Group> scene = new osg::Group;
-    for (const featureType kind : kKinds) findOrCreateFeatureRootNode(scene, kind, true);
+    makeRoots(scene);
     return scene;
 }
 
@@ -82,6 +94,28 @@ osg::ref_ptr<osg::Group> sceneOf(const std::vector<Feature>& features)
     return scene;
 }
 
+/// Translates "Plane" to words of different lengths.
+class Interpreter : public QTranslator
+{
+public:
+    Interpreter() { QCoreApplication::installTranslator(this); }
+    ~Interpreter() override { QCoreApplication::removeTranslator(this); }
+
+    void speak(unsigned int language)
+    {
+        m_word = QStringList{"Ebene", "P", "Flächenstück"}[static_cast<int>(language)];
+    }
+
+    bool isEmpty() const override { return false; }
+    QString translate(const char*, const char* text, const char*, int) const override
+    {
+        return QString(text) == "Plane" ? m_word : QString();
+    }
+
+private:
+    QString m_word = "Plane";
+};
+
 /// A host at work: changes its features at random, and knows what there must be.
 class BusyHost
 {
@@ -90,19 +124,36 @@ public:
 
     void work()
     {
-        const unsigned int action = below(10);
-        if (m_features.empty() || (action < 3 && m_features.size() < kMaxFeatures))
+        const unsigned int action = below(100);
+        if (m_features.empty() || (action < 35 && m_features.size() < kMaxFeatures))
             createOne("feature " + std::to_string(++m_created));
-        else if (action < 4)
+        else if (action < 43)
             replaceOne();
-        else if (action < 6)
+        else if (action < 55)
             removeOne();
-        else if (action < 8)
+        else if (action < 72)
             recolourOne();
-        else if (action < 9)
+        else if (action < 82)
             relabelOne();
-        else
+        else if (action < 90)
             switchFeatureRoot(m_scene, below(2) == 0, kKinds[below(3)]);
+        else if (action < 94)
+            markOne();
+        else if (action < 96)
+            switchFeatureRootFlagNode(m_scene, below(2) == 0, kKinds[below(3)]);
+        else if (action < 99)
+            clearMarked();
+        else
+            startAnew();
+    }
+
+    /// Shows all there is, in one language.
+    void finish()
+    {
+        clearMarked();
+        switchFeatureRoot(m_scene, true, featureAll);
+        for (const featureType kind : kKinds) switchFeatureRoot(m_scene, true, kind);
+        for (const Feature& feature : m_features) relabel(feature);
     }
 
     const std::vector<Feature>& features() const { return m_features; }
@@ -126,6 +177,7 @@ private:
         Feature feature = m_features[below(static_cast<unsigned int>(m_features.size()))];
         forget(feature.name);
         ++feature.number;
+        feature.isTemporary = false;
         feature.state = feature.kind == featureFlagDot ? featureStateSelected : featureStateNone;
         create(m_scene, feature);
         m_features.push_back(feature);
@@ -149,8 +201,36 @@ private:
 
     void relabelOne()
     {
-        osg::Group& node = *nodeOf(m_features[below(static_cast<unsigned int>(m_features.size()))])->asGroup();
+        m_interpreter.speak(below(3));
+        relabel(m_features[below(static_cast<unsigned int>(m_features.size()))]);
+    }
+
+    void relabel(const Feature& feature)
+    {
+        osg::Group& node = *nodeOf(feature)->asGroup();
         static_cast<CTableMeta&>(*node.getChild(node.getNumChildren() - 1)).updateLanguage();
+    }
+
+    void markOne()
+    {
+        Feature& feature = m_features[below(static_cast<unsigned int>(m_features.size()))];
+        feature.isTemporary = true;
+        nodeOf(feature)->setUserValue("tmpData", true);
+    }
+
+    void clearMarked()
+    {
+        clearFeatureRootTempNode(m_scene, featureAll);
+        const auto isMarked = [](const Feature& feature) { return feature.isTemporary; };
+        m_features.erase(std::remove_if(m_features.begin(), m_features.end(), isMarked), m_features.end());
+    }
+
+    void startAnew()
+    {
+        removeFeatureRoot(m_scene, featureAll);
+        m_scene->removeChildren(0, 1);
+        makeRoots(m_scene);
+        m_features.clear();
     }
 
     osg::ref_ptr<osg::Node> nodeOf(const Feature& feature) const
@@ -167,6 +247,7 @@ private:
 
     osg::ref_ptr<osg::Group> m_scene;
     std::vector<Feature> m_features;
+    Interpreter m_interpreter;
     std::mt19937 m_random{kSeed};
     int m_created = 0;
 };
@@ -174,26 +255,45 @@ private:
 class ThreadedStress : public PictureTest, public ::testing::WithParamInterface<osgViewer::ViewerBase::ThreadingModel>
 {};
 
+/// Draws frames, and changes the scene between them while the former may still be drawn.
+void drawWhileBusy(PictureWindow& window, BusyHost& host, int frames)
+{
+    for (int i = 0; i < frames; ++i) {
+        for (int change = 0; change <= i % 4; ++change) host.work();
+        window.frame();
+    }
+    while (host.features().size() < kMaxFeatures / 2) host.work();
+    host.finish();
+}
+
 TEST_P(ThreadedStress, ManyChangesWhileFramesAreDrawnLeaveTheRightPicture)
 {
     PictureWindow window(kWidth, kHeight, GetParam());
     const osg::ref_ptr<osg::Group> scene = sceneWithRoots();
     window.setScene(scene);
     BusyHost host(scene);
-    for (int i = 0, end = frameCount(); i < end; ++i) {
-        for (int change = 0; change <= i % 4; ++change) host.work();
-        window.frame();
-    }
-    switchFeatureRoot(scene, true, featureAll);
-    for (const featureType kind : kKinds) switchFeatureRoot(scene, true, kind);
+    drawWhileBusy(window, host, frameCount(1000));
     const osg::ref_ptr<osg::Image> afterAll = window.render();
-    ASSERT_GT(host.features().size(), 10u);
     EXPECT_FALSE(boxOfDifference(*afterAll, kWhite).isEmpty());
 
     window.setScene(sceneOf(host.features()));
     window.render(); // auto-scaled nodes know their scale from then on
     // The same features, drawn in the same order.
     EXPECT_TRUE(alike(*afterAll, *window.render(), "stress-" + nameOf(GetParam()), {0, 0.0}));
+}
+
+TEST_P(ThreadedStress, ManyChangesLeaveTwoWindowsWithTheSamePicture)
+{
+    PictureWindow windows(kWidth, kHeight, GetParam(), 2);
+    const osg::ref_ptr<osg::Group> scene = sceneWithRoots();
+    windows.setScene(scene);
+    BusyHost host(scene);
+    drawWhileBusy(windows, host, frameCount(300));
+    windows.render();
+    windows.frame();
+    const osg::ref_ptr<osg::Image> one = windows.pictureOfLastFrame(0);
+    EXPECT_FALSE(boxOfDifference(*one, kWhite).isEmpty());
+    EXPECT_TRUE(alike(*windows.pictureOfLastFrame(1), *one, "stress-windows-" + nameOf(GetParam()), {0, 0.0}));
 }
 
 INSTANTIATE_TEST_SUITE_P(Models, ThreadedStress,

@@ -59,12 +59,20 @@ osg::ref_ptr<osg::GraphicsContext> window(int width, int height)
 
 } // namespace
 
-PictureWindow::PictureWindow(int width, int height, osgViewer::ViewerBase::ThreadingModel threading)
-    : m_viewer(new osgViewer::Viewer), m_lastPicture(new LastPicture(width, height))
+PictureWindow::PictureWindow(int width, int height, osgViewer::ViewerBase::ThreadingModel threading, int windows)
+    : m_viewer(new osgViewer::Viewer)
 {
-    camera().setGraphicsContext(window(width, height));
     prepareViewer(*m_viewer, width, height);
-    camera().setFinalDrawCallback(m_lastPicture);
+    for (int i = 0; i < windows; ++i) {
+        const osg::ref_ptr<osg::Camera> shown = i == 0 ? &camera() : new osg::Camera;
+        m_lastPictures.push_back(new LastPicture(width, height));
+        shown->setGraphicsContext(window(width, height));
+        shown->setFinalDrawCallback(m_lastPictures.back());
+        if (i == 0) continue;
+        shown->setViewport(0, 0, width, height);
+        shown->setClearColor(camera().getClearColor());
+        m_viewer->addSlave(shown);
+    }
     m_viewer->setThreadingModel(threading);
     m_viewer->realize();
 }
@@ -87,9 +95,9 @@ osg::ref_ptr<osg::Image> PictureWindow::render()
     return pictureOfLastFrame();
 }
 
-osg::ref_ptr<osg::Image> PictureWindow::pictureOfLastFrame()
+osg::ref_ptr<osg::Image> PictureWindow::pictureOfLastFrame(std::size_t window)
 {
-    return m_lastPicture->waitFor(m_viewer->getViewerFrameStamp()->getFrameNumber());
+    return m_lastPictures[window]->waitFor(m_viewer->getViewerFrameStamp()->getFrameNumber());
 }
 
 std::string nameOf(osgViewer::ViewerBase::ThreadingModel threading)
