@@ -1,5 +1,6 @@
 # Headers of other projects that most sources of ours include; reading them is two thirds of the time that
 # a source takes to compile. Off by default: a build without them tells when a source forgets an include.
+# Without Qt's headers of applications: what qApp is depends on which of them a source includes.
 option(KELVOSGTOOLS_PRECOMPILE_HEADERS "Precompile the headers of OpenSceneGraph and Qt" OFF)
 
 set(kelvosgtools_common_headers
