@@ -129,8 +129,10 @@ void showLabels(const osg::ref_ptr<osg::Group>& scene)
 {
     for (int i = 0; i < 5; ++i) {
         const osg::ref_ptr<CTableMeta> table = label(kLooks[i], place(i));
-        if (i > 0) table->setState(featureStateSelected);
-        if (i > 0) table->setState(static_cast<featureState>(i - 1));
+        if (i > 0) {
+            table->setState(featureStateSelected);
+            table->setState(static_cast<featureState>(i - 1));
+        }
         scene->addChild(table);
     }
 }
