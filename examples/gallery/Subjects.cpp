@@ -130,7 +130,7 @@ void showLabels(const osg::ref_ptr<osg::Group>& scene)
     for (int i = 0; i < 5; ++i) {
         const osg::ref_ptr<CTableMeta> table = label(kLooks[i], place(i));
         if (i > 0) {
-            table->setState(featureStateSelected); // a state changes something only after another one
+            table->setState(featureStateSelected);
             table->setState(static_cast<featureState>(i - 1));
         }
         scene->addChild(table);
