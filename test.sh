@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Builds the library and runs all its tests: ./test.sh
-# Installs what is missing. Needs no display and about 20 minutes on two cores the first time.
+# Installs what is missing. Needs no display and about half an hour on two cores the first time.
 set -euo pipefail
 cd "$(dirname "$(realpath -- "$0")")"
 . scripts/common.sh
@@ -10,17 +10,19 @@ cd "$(dirname "$(realpath -- "$0")")"
 fuzz_runs=20000
 
 scripts/install-packages.sh "${build_packages[@]}" "${display_packages[@]}" "${test_packages[@]}" "${packaging_packages[@]}" \
-    fonts-noto-cjk libxml2-utils clang libclang-rt-14-dev
+    fonts-noto-cjk libxml2-utils clang libclang-rt-14-dev clang-tidy cppcheck
 
 # Qt writes its files for the session there; without it, Qt complains in every test.
 runtime_folder=$(mktemp -d)
-trap 'rm -rf "$runtime_folder"' EXIT
+trap 'kill $(jobs -p) 2>/dev/null || true; rm -rf "$runtime_folder"' EXIT
 export XDG_RUNTIME_DIR=$runtime_folder
 
-# Builds the preset $1 and runs its tests.
-build_and_test() {
+build() {
     configure "$1"
     cmake --build --preset "$1"
+}
+
+run_tests() {
     with_virtual_display ctest --preset "$1" --parallel "$(nproc)"
 }
 
@@ -28,14 +30,23 @@ say "The tour's part and the code in the guides are up to date"
 scripts/make_part.py --check examples/tour/part.obj
 scripts/check_docs.py
 
+say "Static checks"
+scripts/lint.sh quick
+
 say "Debug build"
-build_and_test dev
+build dev
+run_tests dev
 
-if [ -x scripts/fuzz.sh ]; then
-    say "Fuzzing the reader of saved files: $fuzz_runs runs"
-    scripts/fuzz.sh "$fuzz_runs"
-fi
+# The fuzzer keeps one core busy, so it runs while the other build does; nothing there depends on time.
+say "Build with address and undefined-behaviour sanitizers; beside it, fuzzing the reader of saved files"
+scripts/fuzz.sh "$fuzz_runs" >"$runtime_folder/fuzz.log" 2>&1 &
+fuzzing=$!
+build sanitize
 
-say "Build with address and undefined-behaviour sanitizers"
+say "Fuzzing: $fuzz_runs runs"
+wait "$fuzzing" || { cat "$runtime_folder/fuzz.log" && exit 1; }
+tail -n 20 "$runtime_folder/fuzz.log"
+
+say "Tests with sanitizers"
 # Leaks count as failures; those of other libraries are listed in tests/sanitizer-suppressions.
-build_and_test sanitize
+run_tests sanitize

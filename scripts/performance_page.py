@@ -38,9 +38,11 @@ TAIL = """
   It differs from the full tessellation by at most 2/255, but for a pixel or two whose middle the outline
   touches, and for single samples of multisampled outlines. With 800 triangles it would be 6/255, so there
   they stay. Spheres of other sizes draw their full tessellation.
-- **Culling.** A label has a state set of its own, since labels of the same render index would otherwise be
-  drawn by parts: all outlines, then all rectangles, then all texts, right through each other. That, a node
-  more for each feature, and nodes that lie scattered in memory make a cull slower than that of the floor.
+- **Culling.** A cull of dots takes about twice that of the floor. In a profile a quarter of the time passes in
+  going from node to node, waiting for memory: a dot has a node more than the floor and
+  larger ones, 14,000 bytes against 5,500. Without any state sets
+  an eighth would be gained: a label needs one of its own, since labels of the same render index would
+  otherwise be drawn by parts, all outlines, then all rectangles, then all texts, right through each other.
 - **Picking.** A label pick looks at every node once, since any node may bear a listed name; a pick by kind then
   walks with a box and with a ray. In a profile two thirds of the time are waits for memory, although nodes
   are fetched ahead: a plane with its two normal arrows has 23 nodes in 26,000 bytes.

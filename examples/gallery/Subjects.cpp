@@ -129,8 +129,10 @@ void showLabels(const osg::ref_ptr<osg::Group>& scene)
 {
     for (int i = 0; i < 5; ++i) {
         const osg::ref_ptr<CTableMeta> table = label(kLooks[i], place(i));
-        if (i > 0) table->setState(featureStateSelected);
-        if (i > 0) table->setState(static_cast<featureState>(i - 1));
+        if (i > 0) {
+            table->setState(featureStateSelected);
+            table->setState(static_cast<featureState>(i - 1));
+        }
         scene->addChild(table);
     }
 }
@@ -311,8 +313,6 @@ const std::vector<Subject>& subjects()
         {"CSphereMeta", showBall},
         {"CArrowMeta", showArrows},
         {"CPlaneMeta", showPlanes, true},
-        {"CConeAndCylinderMeta", showTriad},
-        {"createAxisArraw", showAxisArrow},
         {"createTable", makeTable, true},
         {"createAutoScaleShpereAndTable", makeDot},
         {"createFlagAutoScaleShpereAndTable", makeFlag},
@@ -321,6 +321,8 @@ const std::vector<Subject>& subjects()
         {"findOrCreateShpere", makeBall},
         {"render-index", showIndices, true},
         {"missing-characters", showMissingCharacters, true},
+        {"createAxisArraw", showAxisArrow},
+        {"CConeAndCylinderMeta", showTriad}, // the last: it switches uniforms on for all that follows
     };
     return all;
 }

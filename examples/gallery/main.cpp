@@ -41,36 +41,39 @@ osg::ref_ptr<osg::GraphicsContext> offscreenContext()
     return osg::GraphicsContext::createGraphicsContext(traits);
 }
 
-/// Nothing of one picture is left for the next: each has a viewer of its own.
-bool draw(const gallery::Subject& subject, const std::string& folder)
+class Studio
 {
-    const osg::ref_ptr<osg::Group> scene = new osg::Group;
-    subject.addTo(scene);
-
-    osgViewer::Viewer viewer;
-    viewer.setThreadingModel(osgViewer::Viewer::SingleThreaded);
-    osg::Camera& camera = *viewer.getCamera();
-    camera.setGraphicsContext(offscreenContext());
-    if (!camera.getGraphicsContext()) {
-        std::fprintf(stderr, "gallery: no OpenGL context: a display is needed, a virtual one will do (xvfb-run)\n");
-        return false;
+public:
+    Studio()
+    {
+        m_viewer.setThreadingModel(osgViewer::Viewer::SingleThreaded);
+        osg::Camera& camera = *m_viewer.getCamera();
+        camera.setGraphicsContext(offscreenContext());
+        camera.setClearColor(osg::Vec4(0.87f, 0.90f, 0.94f, 1.0f));
+        camera.setViewport(0, 0, kWidth, kHeight);
+        camera.setComputeNearFarMode(osg::Camera::DO_NOT_COMPUTE_NEAR_FAR);
+        camera.setProjectionMatrixAsOrtho(-kWidth / 2, kWidth / 2, -kHeight / 2, kHeight / 2, 1.0, kHalfDepth);
+        camera.setFinalDrawCallback(m_reader);
     }
-    camera.setClearColor(osg::Vec4(0.87f, 0.90f, 0.94f, 1.0f));
-    camera.setViewport(0, 0, kWidth, kHeight);
-    camera.setComputeNearFarMode(osg::Camera::DO_NOT_COMPUTE_NEAR_FAR);
-    const osg::Vec3d eye = subject.isSeenFromTheFront ? osg::Vec3d(0, -400, 0) : osg::Vec3d(-100, -400, 180);
-    camera.setViewMatrixAsLookAt(eye, osg::Vec3d(), osg::Z_AXIS);
-    camera.setProjectionMatrixAsOrtho(-kWidth / 2, kWidth / 2, -kHeight / 2, kHeight / 2, 1.0, kHalfDepth);
-    const osg::ref_ptr<ReadPicture> reader = new ReadPicture;
-    camera.setFinalDrawCallback(reader);
-    viewer.setSceneData(scene);
-    viewer.frame(); // what keeps its size on screen learns its scale from the first frame
-    viewer.frame();
 
-    const std::string path = folder + "/" + subject.name + ".png";
-    std::printf("%s\n", path.c_str());
-    return osgDB::writeImageFile(*reader->picture, path);
-}
+    bool hasContext() const { return m_viewer.getCamera()->getGraphicsContext() != nullptr; }
+
+    bool draw(const gallery::Subject& subject, const std::string& path)
+    {
+        const osg::Vec3d eye = subject.isSeenFromTheFront ? osg::Vec3d(0, -400, 0) : osg::Vec3d(-100, -400, 180);
+        m_viewer.getCamera()->setViewMatrixAsLookAt(eye, osg::Vec3d(), osg::Z_AXIS);
+        const osg::ref_ptr<osg::Group> scene = new osg::Group;
+        subject.addTo(scene);
+        m_viewer.setSceneData(scene);
+        m_viewer.frame(); // what keeps its size on screen learns its scale from the first frame
+        m_viewer.frame();
+        return osgDB::writeImageFile(*m_reader->picture, path);
+    }
+
+private:
+    osgViewer::Viewer m_viewer;
+    osg::ref_ptr<ReadPicture> m_reader = new ReadPicture;
+};
 
 } // namespace
 
@@ -84,7 +87,16 @@ int main(int argc, char** argv)
     const QGuiApplication application(argc, argv);
     const QString font = QStringLiteral("/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf");
     if (QFileInfo::exists(font)) KelvOsgTools::CFeatureConfig::sigleFeatureConfig()->setFontPath(font);
-    for (const gallery::Subject& subject : gallery::subjects())
-        if (!draw(subject, argv[1])) return 1;
+
+    Studio studio;
+    if (!studio.hasContext()) {
+        std::fprintf(stderr, "gallery: no OpenGL context: a display is needed, a virtual one will do (xvfb-run)\n");
+        return 1;
+    }
+    for (const gallery::Subject& subject : gallery::subjects()) {
+        const std::string path = std::string(argv[1]) + "/" + subject.name + ".png";
+        if (!studio.draw(subject, path)) return 1;
+        std::printf("%s\n", path.c_str());
+    }
     return 0;
 }

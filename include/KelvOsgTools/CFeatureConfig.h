@@ -123,8 +123,8 @@ private:
     languageType m_language = languageEnglishUnitedStates;
     int m_normalTableFontSize = 14;
     int m_flagTableFontSize = 19;
-    Quadruple m_normalTable{{30.0f, 25.0f, 10.0f, -10.0f}};
-    Quadruple m_flagTable{{35.0f, 25.0f, 10.0f, -10.0f}};
+    [[maybe_unused]] Quadruple m_normalTable{{30.0f, 25.0f, 10.0f, -10.0f}};
+    [[maybe_unused]] Quadruple m_flagTable{{35.0f, 25.0f, 10.0f, -10.0f}};
 };
 
 } // namespace KelvOsgTools

@@ -45,7 +45,8 @@ public:
     /// drawn nor hit.
     osg::ref_ptr<osg::Geode> CreateSphereMeta(const structSphereMeta& meta);
 
-    /// A sphere that keeps its size on screen and turns to it. This object keeps no reference.
+    /// A sphere that keeps its size on screen and turns to it. This object keeps no reference. A
+    /// centre that is not finite hides this one as well.
     osg::ref_ptr<osg::AutoTransform> CreateAutoScaleSphereMeta(const structSphereMeta& meta);
 
     /// Colours every shape of the geode made last. Does nothing before CreateSphereMeta().

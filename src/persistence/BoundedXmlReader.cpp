@@ -5,11 +5,11 @@
 namespace KelvOsgTools::detail {
 namespace {
 
-constexpr qint64 kMaxTokenBytes = 4 * 1024 * 1024; // the stream reader builds one string of every token
-constexpr qint64 kMaxTokenEqualsSigns = 4096;      // it compares the attributes of a tag pairwise
-constexpr int kMaxDepth = 100000;                  // it keeps more than a hundred bytes for every open element
-constexpr int kMaxDocumentTypeCharacters = 4096;   // it walks all declared attributes at every tag
-constexpr int kMaxEntityGrowth = 32;               // characters that a reference may stand for beyond its own
+constexpr qint64 kMaxTokenBytes = qint64{4} * 1024 * 1024; // the stream reader builds one string of every token
+constexpr qint64 kMaxTokenEqualsSigns = 4096;              // it compares the attributes of a tag pairwise
+constexpr int kMaxDepth = 100000;                          // it keeps more than a hundred bytes for every open element
+constexpr int kMaxDocumentTypeCharacters = 4096;           // it walks all declared attributes at every tag
+constexpr int kMaxEntityGrowth = 32;                       // characters that a reference may stand for beyond its own
 
 } // namespace
 

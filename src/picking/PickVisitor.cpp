@@ -56,7 +56,7 @@ bool isPlainGeode(const osg::Node& node)
 bool isWellConditioned(const osg::AutoTransform& transform)
 {
     const osg::Vec3d& scale = transform.getScale();
-    for (unsigned int i = 0; i < 3; ++i)
+    for (int i = 0; i < 3; ++i)
         if (!isWithin(scale[i], kLeastScale, kLargestScale)) return false;
     return transform.getReferenceFrame() == osg::Transform::RELATIVE_RF &&
            isWithin(transform.getRotation().length2(), 1.0 - kUnitTolerance, 1.0 + kUnitTolerance);

@@ -5,8 +5,6 @@
 #include <osg/ShapeDrawable>
 #include <osg/ref_ptr>
 
-#include <utility>
-
 namespace KelvOsgTools::detail {
 
 /// A shape drawable that shares arrays with others and keeps alive what they share.
@@ -19,7 +17,7 @@ public:
         _tessellationHints = hints;
     }
 
-    void keep(osg::ref_ptr<osg::Referenced> shared) { m_shared = std::move(shared); }
+    void keep(const osg::ref_ptr<osg::Referenced>& shared) { m_shared = shared; }
 
 protected:
     ~SharingDrawable() override = default;

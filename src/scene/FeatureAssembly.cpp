@@ -82,6 +82,7 @@ CTableMeta::structTableMeta labelRecord(const osg::Vec3f& pos, const LabelArgume
     return meta;
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): see the header
 osg::ref_ptr<osg::Node> hangFeature(const osg::ref_ptr<osg::Group>& scene, featureType kind, std::string name,
                                     const std::function<osg::ref_ptr<osg::Node>()>& build)
 {

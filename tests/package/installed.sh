@@ -22,7 +22,7 @@ build() {
     shift 2
     rm -rf "$folder"
     cmake -S "$project" -B "$folder" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS="-O0 -g0" "$@"
-    cmake --build "$folder"
+    cmake --build "$folder" --parallel 2
 }
 
 install() {

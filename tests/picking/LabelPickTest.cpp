@@ -223,6 +223,26 @@ TEST(LabelPick, TakesADrawableNamedLikeALabelForOne)
     EXPECT_EQ(scene.pickedName(listOf({"dot"})), "dot");
 }
 
+/// A geode of a host that shows visitors none of its children.
+struct ClosedGeode : osg::Geode
+{
+    void traverse(osg::NodeVisitor&) override {}
+};
+
+TEST(LabelPick, SeesOfAGeodeWhatItShowsToVisitors)
+{
+    LabelScene scene;
+    const osg::ref_ptr<osg::Geode> closed = new ClosedGeode;
+    const osg::ref_ptr<osg::Geode> open = new osg::Geode;
+    for (const auto& geode : {closed, open}) geode->addChild(label(1));
+    closed->setName("closed");
+    open->setName("open");
+    scene.features->addChild(closed);
+    EXPECT_EQ(scene.pickedName(listOf({"closed"})), "none");
+    scene.features->addChild(open);
+    EXPECT_EQ(scene.pickedName(listOf({"open"})), "open");
+}
+
 TEST(LabelPick, DoesNotKnowALabelOfAnotherName)
 {
     LabelScene scene;

@@ -6,11 +6,13 @@
 
 #include "picking/PickingViewers.h"
 #include "picking/RandomScene.h"
+#include "support/PictureScenes.h"
 #include "support/ViewerBuilders.h"
 
 #include <osg/Geode>
 #include <osg/Geometry>
 #include <osg/Notify>
+#include <osg/Projection>
 
 #include <gtest/gtest.h>
 
@@ -125,6 +127,26 @@ TEST(BoxVisitor, FindsTheHitThatThePlainVisitorFindsInRandomScenes)
         }
     }
     EXPECT_GT(found, 1000) << "the scenes leave nothing to hit";
+}
+
+TEST(RayVisitor, FindsWhatThePlainVisitorFindsBelowAProjection)
+{
+    const auto viewer = pixelViewer(new osg::Group, 200, 200);
+    // Below it, everything is drawn in half its size.
+    const osg::ref_ptr<osg::Projection> halved =
+        new osg::Projection(viewer->getCamera()->getProjectionMatrix() * osg::Matrixd::scale(0.5, 0.5, 1.0));
+    halved->addChild(unlitRectangle({-50, -50, 50, 50, 0}, osg::Vec4f()));
+    halved->addChild(dotAt(osg::Vec3f(60.0f, 0.0f, 0.0f)));
+    viewer->setSceneData(halved);
+    cullOnce(*viewer);
+    std::size_t found = 0;
+    for (float x = 50.0f; x < 200.0f; x += 1.0f) {
+        osgUtil::LineSegmentIntersector::Intersections expected;
+        viewer->computeIntersections(x, 100.0f, expected);
+        ASSERT_EQ(detail::rayHits(*viewer, x, 100.0f).size(), expected.size()) << x;
+        found += expected.size();
+    }
+    EXPECT_GT(found, 40u); // the rectangle alone is 50 pixels wide
 }
 
 TEST(RayVisitor, TestsNoContentOfDotsAndLabelsThatItMisses)

@@ -282,4 +282,24 @@ TEST(FlagCopy, TakesTheStateOver)
     EXPECT_EQ(sphereOf(*flag).getColor(), kColour);
 }
 
+TEST(CFlagAutoScaleSphereMeta, ResizesASphereThatTheHostBuiltAnew)
+{
+    const auto flag = makeFlag(3.0f);
+    sphereOf(*flag).build(); // its arrays are no longer those of other spheres
+    flag->setState(featureStateSelected);
+    EXPECT_FLOAT_EQ(drawnRadius(*flag), 8.0f);
+    flag->setState(featureStateNormal);
+    EXPECT_FLOAT_EQ(drawnRadius(*flag), 3.0f);
+}
+
+TEST(CFlagAutoScaleSphereMeta, ResizesADrawableThatTheHostPutInTheSpheresPlace)
+{
+    const auto flag = makeFlag(3.0f);
+    const osg::ref_ptr<osg::ShapeDrawable> plain = new osg::ShapeDrawable(new osg::Sphere(osg::Vec3f(), 3.0f));
+    plain->setName(sphereOf(*flag).getName());
+    sphereOf(*flag).getParent(0)->replaceChild(&sphereOf(*flag), plain);
+    flag->setState(featureStateSelected);
+    EXPECT_FLOAT_EQ(drawnRadius(*flag), 8.0f);
+}
+
 } // namespace

@@ -11,6 +11,7 @@
 #include <osg/io_utils>
 
 #include <limits>
+#include <typeinfo>
 
 namespace {
 using namespace KelvOsgTools;
@@ -507,6 +508,14 @@ TEST(DotCopy, TakesTheStateOver)
     dot->getShpereDrawableNode()->setColor(kColour);
     copy->setState(featureStateSelected);
     EXPECT_EQ(dot->getShpereDrawableNode()->getColor(), kColour);
+}
+
+TEST(CAutoScaleSphereMeta, HoldsATransformThatMakesOthersOfItsKind)
+{
+    const osg::ref_ptr<CAutoScaleSphereMeta> dot = new CAutoScaleSphereMeta(CAutoScaleSphereMeta::structSphereMeta());
+    const osg::Node& transform = *dot->getChild(0);
+    const osg::ref_ptr<osg::Object> other = transform.cloneType();
+    EXPECT_EQ(typeid(*other), typeid(transform));
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 #include <KelvOsgTools/CConeAndCylinderMeta.h>
 #include <KelvOsgTools/CFlagAutoScaleSphereMeta.h>
 #include <KelvOsgTools/CPlaneMeta.h>
+#include <KelvOsgTools/CTableMeta.h>
 #include <KelvOsgTools/FeatureFunctions.h>
 #include <KelvOsgTools/featureBaseNode.h>
 
@@ -180,6 +181,13 @@ osg::ref_ptr<osg::Group> planeIn(const osg::ref_ptr<osg::Group>& scene)
                                1, QStringLiteral("Plane"), 1);
 }
 
+osg::ref_ptr<osg::Group> sphereIn(const osg::ref_ptr<osg::Group>& scene)
+{
+    arm();
+    const osg::ref_ptr<osg::Node> sphere = findOrCreateShpere("feature", scene, osg::Vec3f());
+    return sphere ? sphere->asGroup() : nullptr;
+}
+
 struct NamedAssembly
 {
     const char* name;
@@ -266,7 +274,8 @@ TEST_P(ExhaustedMemory, LeavesWhatIsMadeAfterwardsAsItShouldBe)
     const kelvtest::RestoredConfig config;
     config->setFontPath(QStringLiteral(KELVOSGTOOLS_TEST_FONT));
     const auto fontIn = [](osg::Group& feature) {
-        const osgText::Font* const font = kelvtest::firstBelow<osgText::Text>(feature, "textNode")->getFont();
+        const auto* const text = kelvtest::firstBelow<osgText::Text>(feature, "textNode");
+        const osgText::Font* const font = text ? text->getFont() : nullptr;
         return font ? font->getFileName() : std::string();
     };
     const std::string font = fontIn(*GetParam().build(new osg::Group));
@@ -278,8 +287,21 @@ INSTANTIATE_TEST_SUITE_P(Assemblies, ExhaustedMemory,
                          ::testing::Values(NamedAssembly{"Dot", dotIn}, NamedAssembly{"FlagDot", flagDotIn},
                                            NamedAssembly{"LineArrow", [](const auto& s) { return arrowIn(s, true); }},
                                            NamedAssembly{"SolidArrow", [](const auto& s) { return arrowIn(s, false); }},
-                                           NamedAssembly{"Plane", planeIn}),
+                                           NamedAssembly{"Plane", planeIn}, NamedAssembly{"Sphere", sphereIn}),
                          [](const auto& test) { return std::string(test.param.name); });
+
+TEST(ExhaustedMemoryOfALabel, GivesNone)
+{
+    const CTableMeta::structTableMeta record;
+    createTable(record); // loads what is loaded once per process
+    nextAllocationsUntilFailure = 1;
+    arm();
+    const osg::ref_ptr<osg::Group> label = createTable(record);
+    EXPECT_EQ(allocationsUntilFailure, 0) << "no allocation failed";
+    allocationsUntilFailure = 0;
+    nextAllocationsUntilFailure = 0;
+    EXPECT_FALSE(label.valid());
+}
 
 /// A change of an object, which may fail, and can then be made again.
 struct Change

@@ -72,7 +72,7 @@ int countPixels(const osg::Image& picture, const Pixel& colour, int tolerance = 
 /// How much a picture may differ from the stored one.
 struct Tolerance
 {
-    int perChannel = 2; ///< up to this a pixel counts as equal
+    int perChannel = 2; ///< up to this a pixel counts as equal: blends and light are rounded
     double share = 0.0; ///< of all pixels that may count as different
 };
 
