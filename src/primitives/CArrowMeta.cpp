@@ -6,6 +6,7 @@
 #include "foundation/Finite.h"
 #include "foundation/SceneMarks.h"
 #include "primitives/Colours.h"
+#include "primitives/HeldAttribute.h"
 #include "primitives/LabelAttachment.h"
 #include "primitives/NodeSearch.h"
 #include "primitives/ShapeBuilder.h"
@@ -131,7 +132,6 @@ const CArrowMeta::structArrowMeta& CArrowMeta::getMetaStruct() const
 void CArrowMeta::setState(featureState state)
 {
     if (state == m_state) return;
-    m_state = state;
     const featureArrowConfig& config = CFeatureConfig::sigleFeatureConfig()->getArrowConfig();
     const osg::Vec4f color = detail::colourOf(state, config.selectedColor, config.highlightedColor);
 
@@ -139,7 +139,7 @@ void CArrowMeta::setState(featureState state)
         if (const osg::ref_ptr<osg::Geometry> line = detail::findBelow<osg::Geometry>(*this, detail::kArrowLineName)) {
             const float growth = state == featureStateSelected ? kSelectedGrowthPixels : 0.0f;
             detail::setOverallColour<osg::Vec4Array>(*line, color);
-            line->getOrCreateStateSet()->setAttribute(new osg::LineWidth(m_metaStruct.lineWidth + growth));
+            detail::setAttribute(*line->getOrCreateStateSet(), new osg::LineWidth(m_metaStruct.lineWidth + growth));
         }
     } else {
         for (const char* const part : {detail::kShaftName, detail::kHeadName})
@@ -147,6 +147,7 @@ void CArrowMeta::setState(featureState state)
                 shape->setColor(color);
     }
     if (m_table) m_table->setState(state);
+    m_state = state; // last, so that what memory did not suffice for can be tried again
 }
 
 void CArrowMeta::setArrow(const structArrowMeta& meta)
@@ -166,7 +167,7 @@ void CArrowMeta::setArrow(const structArrowMeta& meta)
     line->addPrimitiveSet(new osg::DrawArrays(GL_LINE_LOOP, 0, static_cast<GLsizei>(vertices->size())));
     osg::StateSet* const lineState = line->getOrCreateStateSet();
     lineState->setDataVariance(osg::Object::DYNAMIC);
-    lineState->setAttribute(new osg::LineWidth(meta.lineWidth));
+    detail::setAttribute(*lineState, new osg::LineWidth(meta.lineWidth));
 
     const osg::Vec3f midpoint = between(course.start, course.end, 0.5f);
     const osg::ref_ptr<osg::MatrixTransform> transform =

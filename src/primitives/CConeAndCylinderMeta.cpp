@@ -5,6 +5,7 @@
 
 #include "foundation/LabelFont.h"
 #include "primitives/AxisProgram.h"
+#include "primitives/HeldAttribute.h"
 #include "primitives/ShapeBuilder.h"
 
 #include <osg/Array>
@@ -67,7 +68,8 @@ osg::ref_ptr<osg::AutoTransform> screenFacingLetter(const std::string& letter, c
     geode->addDrawable(text);
     osg::StateSet* const state = geode->getOrCreateStateSet();
     state->setMode(GL_LIGHTING, osg::StateAttribute::ON);
-    state->setAttribute(new osg::Program); // a host may have text drawn without shaders: not with the triad's, then
+    detail::setAttribute(*state,
+                         new osg::Program); // a host may have text drawn without shaders: not with the triad's, then
 
     osg::ref_ptr<osg::AutoTransform> transform = new osg::AutoTransform;
     transform->setAutoRotateMode(osg::AutoTransform::ROTATE_TO_SCREEN);

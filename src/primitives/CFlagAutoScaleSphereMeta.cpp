@@ -69,13 +69,13 @@ osg::ref_ptr<osg::ShapeDrawable> CFlagAutoScaleSphereMeta::getShpereDrawableNode
 void CFlagAutoScaleSphereMeta::setState(featureState state)
 {
     if (state == m_state) return;
-    m_state = state;
     const featureFlagDotConfig& config = CFeatureConfig::sigleFeatureConfig()->getFlagDotConfig();
     if (const osg::ref_ptr<osg::ShapeDrawable> sphere = getShpereDrawableNode()) {
         detail::resizeSphere(*sphere, radiusIn(state, m_metaStruct.radius));
         sphere->setColor(detail::colourOf(state, config.selectedColor, config.highlightedColor));
     }
     if (m_table) m_table->setState(state);
+    m_state = state; // last, so that what memory did not suffice for can be tried again
 }
 
 } // namespace KelvOsgTools

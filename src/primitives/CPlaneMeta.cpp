@@ -3,9 +3,11 @@
 #include <KelvOsgTools/CFeatureConfig.h>
 #include <KelvOsgTools/CTableMeta.h>
 
+#include "foundation/AppendChild.h"
 #include "foundation/Finite.h"
 #include "foundation/SceneMarks.h"
 #include "primitives/Colours.h"
+#include "primitives/HeldAttribute.h"
 #include "primitives/LabelAttachment.h"
 #include "primitives/NodeSearch.h"
 
@@ -40,9 +42,9 @@ void makeTranslucent(osg::StateSet& state, float lineWidth, float alpha)
 {
     state.setMode(GL_LIGHTING, osg::StateAttribute::OFF);
     state.setRenderingHint(osg::StateSet::TRANSPARENT_BIN);
-    state.setAttribute(new osg::LineWidth(lineWidth));
-    state.setAttributeAndModes(new osg::BlendColor(osg::Vec4f(1.0f, 1.0f, 1.0f, alpha)));
-    state.setAttributeAndModes(new osg::BlendFunc(GL_CONSTANT_ALPHA, GL_ONE_MINUS_CONSTANT_ALPHA));
+    detail::setAttribute(state, new osg::LineWidth(lineWidth));
+    detail::setAttributeAndModes(state, new osg::BlendColor(osg::Vec4f(1.0f, 1.0f, 1.0f, alpha)));
+    detail::setAttributeAndModes(state, new osg::BlendFunc(GL_CONSTANT_ALPHA, GL_ONE_MINUS_CONSTANT_ALPHA));
 }
 
 /// A bound without extent, in place of one that the points would make infinite or NaN.
@@ -76,7 +78,7 @@ CPlaneMeta::~CPlaneMeta() = default;
 bool CPlaneMeta::addNormalArrow(osg::ref_ptr<osg::Group> arrow)
 {
     if (!arrow) return false;
-    addChild(arrow);
+    detail::appendChild(*this, arrow);
     return true;
 }
 
@@ -98,7 +100,6 @@ const CPlaneMeta::structPlaneMeta& CPlaneMeta::getMetaStruct() const
 void CPlaneMeta::setState(featureState state)
 {
     if (state == m_state) return;
-    m_state = state;
     const featurePlaneConfig& config = CFeatureConfig::sigleFeatureConfig()->getPlaneConfig();
     const osg::Vec4f color = detail::colourOf(state, config.selectedColor, config.highlightedColor);
 
@@ -108,6 +109,7 @@ void CPlaneMeta::setState(featureState state)
         if (const osg::ref_ptr<CFeatureMetaObject> arrow = detail::findBelow<CFeatureMetaObject>(*this, name))
             arrow->setState(state);
     if (m_table) m_table->setState(state);
+    m_state = state; // last, so that what memory did not suffice for can be tried again
 }
 
 void CPlaneMeta::creatPlane(structPlaneMeta& meta)

@@ -109,11 +109,11 @@ osg::ref_ptr<osgText::Text> CAutoScaleSphereMeta::getTextNode()
 void CAutoScaleSphereMeta::setState(featureState state)
 {
     if (state == m_state) return;
-    m_state = state;
     const featureDotConfig& config = CFeatureConfig::sigleFeatureConfig()->getDotConfig();
     if (const osg::ref_ptr<osg::ShapeDrawable> sphere = getShpereDrawableNode())
         sphere->setColor(detail::colourOf(state, config.selectedColor, config.highlightedColor));
     if (m_table) m_table->setState(state);
+    m_state = state; // last, so that what memory did not suffice for can be tried again
 }
 
 } // namespace KelvOsgTools

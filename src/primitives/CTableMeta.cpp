@@ -3,11 +3,13 @@
 #include <KelvOsgTools/CFeatureConfig.h>
 #include <KelvOsgTools/FeatureFunctions.h>
 
+#include "foundation/AppendChild.h"
 #include "foundation/Finite.h"
 #include "foundation/LabelFont.h"
 #include "foundation/SceneMarks.h"
 #include "primitives/Colours.h"
 #include "primitives/FlatGeometry.h"
+#include "primitives/HeldAttribute.h"
 #include "primitives/LabelGlyphs.h"
 #include "primitives/PixelScale.h"
 #include "primitives/ScreenSphere.h"
@@ -18,6 +20,7 @@
 #include <osg/ValueObject>
 
 #include <cmath>
+#include <tuple>
 
 namespace KelvOsgTools {
 namespace {
@@ -98,7 +101,7 @@ void placeLabel(CTableMeta& table, osg::Geode& geode, const osg::Vec3f& pos)
         geode.setNodeMask(0);
     table.dirtyBound();
     table.setAutoRotateMode(osg::AutoTransform::ROTATE_TO_SCREEN);
-    table.addChild(&geode);
+    detail::appendChild(table, &geode);
     table.setName(detail::kTableName);
 }
 
@@ -141,16 +144,26 @@ bool CTableMeta::checkClickPointIsInsideTable(const osg::Matrixd& toWindow, floa
 void CTableMeta::updateLanguage()
 {
     if (!m_squareGeometry || !m_lineGeometry || !m_textDrawable || getNumChildren() == 0) return;
+    const auto former = std::make_tuple(m_rectTop, m_rectBottom, m_rectLeft, m_rectRight, m_squareGeometry,
+                                        m_lineGeometry, m_textDrawable);
+    const unsigned int end = getNumChildren();
+    try {
+        init();
+        updateState(m_state);
+    } catch (...) { // memory is exhausted: the label stays as it was
+        removeChildren(end, 1);
+        std::tie(m_rectTop, m_rectBottom, m_rectLeft, m_rectRight, m_squareGeometry, m_lineGeometry, m_textDrawable) =
+            former;
+        throw;
+    }
     removeChildren(0, 1);
-    init();
-    updateState(m_state);
 }
 
 void CTableMeta::setState(featureState state)
 {
     if (state == m_state) return;
-    m_state = state;
     updateState(state);
+    m_state = state; // last, so that what memory did not suffice for can be tried again
 }
 
 bool CTableMeta::computeLocalToWorldMatrix(osg::Matrix& matrix, osg::NodeVisitor* visitor) const
@@ -230,7 +243,7 @@ osg::ref_ptr<osg::Geometry> CTableMeta::line(osg::Vec2Array* corners, osg::Vec4f
     outline->setVertexArray(corners);
     detail::setOverallColour<osg::Vec4Array>(*outline, color);
     outline->addPrimitiveSet(new osg::DrawArrays(GL_LINE_LOOP, 0, static_cast<GLsizei>(corners->size())));
-    outline->getOrCreateStateSet()->setAttribute(new osg::LineWidth(kOutlineWidthPixels));
+    detail::setAttribute(*outline->getOrCreateStateSet(), new osg::LineWidth(kOutlineWidthPixels));
     return outline;
 }
 

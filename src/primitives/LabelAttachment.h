@@ -2,6 +2,8 @@
 
 #include <KelvOsgTools/CTableMeta.h>
 
+#include "foundation/AppendChild.h"
+
 #include <osg/Group>
 #include <osg/ref_ptr>
 
@@ -13,8 +15,9 @@ namespace KelvOsgTools::detail {
 inline bool attachLabel(osg::Group& feature, osg::ref_ptr<CTableMeta>& label, const osg::ref_ptr<osg::Group>& table)
 {
     if (!table) return false;
-    label = dynamic_cast<CTableMeta*>(table.get());
-    if (label) feature.addChild(label);
+    auto* const attached = dynamic_cast<CTableMeta*>(table.get());
+    if (attached) appendChild(feature, attached);
+    label = attached;
     return true;
 }
 

@@ -31,12 +31,15 @@ void dress(osg::ShapeDrawable& drawable, const osg::Vec4f& color, const std::str
 
 } // namespace
 
-ShapeBuilder::ShapeBuilder(float detailRatio) : m_reportedRatio(detailRatio), m_hints(new osg::TessellationHints)
+// The buffer is made here, not where it is declared: GCC 12 does not free what an initializer there allocated
+// when the constructor of it throws.
+ShapeBuilder::ShapeBuilder(float detailRatio)
+    : m_reportedRatio(detailRatio), m_hints(new osg::TessellationHints), m_buffer(new osg::VertexBufferObject)
 {
     m_hints->setDetailRatio(detailRatio);
 }
 
-osg::ref_ptr<osg::ShapeDrawable> ShapeBuilder::build(osg::Shape* shape, const osg::Vec4f& color,
+osg::ref_ptr<osg::ShapeDrawable> ShapeBuilder::build(const osg::ref_ptr<osg::Shape>& shape, const osg::Vec4f& color,
                                                      const std::string& name) const
 {
     m_hints->setDetailRatio(buildableRatio(m_reportedRatio));

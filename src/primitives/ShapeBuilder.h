@@ -24,7 +24,7 @@ public:
     explicit ShapeBuilder(float detailRatio);
 
     /// Any shape, tessellated by OpenSceneGraph.
-    osg::ref_ptr<osg::ShapeDrawable> build(osg::Shape* shape, const osg::Vec4f& color,
+    osg::ref_ptr<osg::ShapeDrawable> build(const osg::ref_ptr<osg::Shape>& shape, const osg::Vec4f& color,
                                            const std::string& name = {}) const;
 
     /// A cylinder along Z around the origin: the surface that build() makes, in one indexed primitive.
@@ -41,7 +41,7 @@ private:
 
     float m_reportedRatio;
     osg::ref_ptr<osg::TessellationHints> m_hints;
-    osg::ref_ptr<osg::VertexBufferObject> m_buffer = new osg::VertexBufferObject; // of the indexed shapes
+    osg::ref_ptr<osg::VertexBufferObject> m_buffer; // of the indexed shapes
 };
 
 /// Turns what is built along +Z onto direction and moves it to position. No direction, no rotation:

@@ -11,7 +11,7 @@ namespace KelvOsgTools::detail {
 class SharingDrawable : public osg::ShapeDrawable
 {
 public:
-    SharingDrawable(osg::Shape* shape, osg::TessellationHints* hints)
+    SharingDrawable(const osg::ref_ptr<osg::Shape>& shape, osg::TessellationHints* hints)
     {
         _shape = shape; // not by setShape, which would tessellate it
         _tessellationHints = hints;

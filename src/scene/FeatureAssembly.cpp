@@ -4,6 +4,7 @@
 #include <KelvOsgTools/FeatureFunctions.h>
 
 #include "foundation/AheadTraversal.h"
+#include "foundation/AppendChild.h"
 #include "scene/FeatureRoots.h"
 
 namespace KelvOsgTools::detail {
@@ -79,18 +80,6 @@ CTableMeta::structTableMeta labelRecord(const osg::Vec3f& pos, const LabelArgume
     meta.isAutoScale = true;
     meta.isBottom = false;
     return meta;
-}
-
-void appendChild(osg::Group& group, osg::Node* child)
-{
-    const unsigned int end = group.getNumChildren();
-    try {
-        group.addChild(child);
-    } catch (...) {
-        // The group may hold the child already while the child does not know its parent.
-        if (group.getNumChildren() > end) group.removeChildren(end, 1);
-        throw;
-    }
 }
 
 // NOLINTNEXTLINE(performance-unnecessary-value-param): see the header

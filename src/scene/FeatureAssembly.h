@@ -26,9 +26,6 @@ struct LabelArguments
 /// The record of a feature's label, in the normal font size.
 CTableMeta::structTableMeta labelRecord(const osg::Vec3f& pos, const LabelArguments& arguments);
 
-/// Appends child to group, completely or, if memory is exhausted, not at all.
-void appendChild(osg::Group& group, osg::Node* child);
-
 /// Builds a node, names it and hangs it as last child under the root of a kind, in place of all
 /// children of that name. The scene changes only once the node stands: when build throws, or there
 /// is no root for it, the scene is left as it was.

@@ -5,6 +5,7 @@
 #include <KelvOsgTools/NodeVisitors.h>
 #include <KelvOsgTools/featureBaseNode.h>
 
+#include "foundation/AppendChild.h"
 #include "foundation/UserValues.h"
 #include "scene/FeatureAssembly.h"
 
@@ -82,7 +83,7 @@ try {
 }
 
 osg::ref_ptr<osg::Group> findOrCreateFeatureRootNode(osg::ref_ptr<osg::Group> scene, featureType kind, bool create)
-{
+try {
     const osg::ref_ptr<osg::Node> commonRoot = findOrCreateNode(detail::kCommonRootName, scene, create);
     if (!commonRoot) return nullptr;
     if (kind == featureAll) return commonRoot->asGroup();
@@ -92,6 +93,8 @@ osg::ref_ptr<osg::Group> findOrCreateFeatureRootNode(osg::ref_ptr<osg::Group> sc
     const osg::ref_ptr<osg::Node> root =
         findOrCreateNode(rootName, detail::contentGroup(commonRoot->asGroup()), create);
     return root ? root->asGroup() : nullptr;
+} catch (const std::bad_alloc&) {
+    return nullptr;
 }
 
 osg::ref_ptr<osg::Node> findChildByName(const std::string& name, osg::ref_ptr<osg::Group> parent)
@@ -104,7 +107,7 @@ osg::ref_ptr<osg::Node> findChildByName(const std::string& name, osg::ref_ptr<os
 
 osg::ref_ptr<osg::Node> findFeatureByName(const std::string& name, osg::ref_ptr<osg::Group> scene,
                                           osg::ref_ptr<osg::Group>& parentOut)
-{
+try {
     const osg::ref_ptr<osg::Group> commonRoot = findOrCreateFeatureRootNode(scene, featureAll, false);
     if (!commonRoot) return nullptr;
 
@@ -115,12 +118,16 @@ osg::ref_ptr<osg::Node> findFeatureByName(const std::string& name, osg::ref_ptr<
     const osg::ref_ptr<osg::Node> found = search.m_foundNodes.front();
     parentOut = found->getNumParents() > 0 ? found->getParent(0) : nullptr;
     return found;
+} catch (const std::bad_alloc&) {
+    return nullptr;
 }
 
 osg::ref_ptr<osg::Node> findFeatureByName(const std::string& name, osg::ref_ptr<osg::Group> scene, featureType kind)
-{
+try {
     if (!isDotLineOrPlane(kind)) return nullptr;
     return findChildByName(name, detail::existingContent(scene, kind));
+} catch (const std::bad_alloc&) {
+    return nullptr;
 }
 
 osg::ref_ptr<osg::Node> findOrCreateShpere(const std::string& name, osg::ref_ptr<osg::Group> scene, osg::Vec3f centre)

@@ -47,22 +47,29 @@ private:
     void* m_handle;
 };
 
-/// Whether a shared object whose path ends so, or goes on with a version, is in memory.
-inline bool isInMemory(const std::string& name)
+/// Path of the shared object in memory whose file has that name, or goes on with a version; empty if
+/// there is none.
+inline std::string pathInMemory(const std::string& name)
 {
     struct Search
     {
         std::string name;
-        bool found;
-    } search{'/' + name, false};
+        std::string path;
+    } search{'/' + name, {}};
     dl_iterate_phdr(
         [](dl_phdr_info* object, std::size_t, void* data) {
             auto& sought = *static_cast<Search*>(data);
-            sought.found = sought.found || std::string(object->dlpi_name).find(sought.name) != std::string::npos;
+            const std::string path = object->dlpi_name;
+            if (path.find(sought.name) != std::string::npos) sought.path = path;
             return 0;
         },
         &search);
-    return search.found;
+    return search.path;
+}
+
+inline bool isInMemory(const std::string& name)
+{
+    return !pathInMemory(name).empty();
 }
 
 } // namespace kelvtest
