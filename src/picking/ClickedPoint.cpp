@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <new>
 #include <typeinfo>
 
 namespace KelvOsgTools {
@@ -79,7 +80,7 @@ bool takeDotByLabel(osgViewer::Viewer* viewer, const QList<QVariant>& features, 
 } // namespace
 
 bool getClickedPoint(osgViewer::Viewer* viewer, float x, float y, const QString& nodeName, osg::Vec3f& point)
-{
+try {
     if (!viewer) return false;
     const RayHits hits = detail::rayHits(*viewer, x, y);
     if (nodeName.isEmpty()) return takeLocalPoint(hits, point);
@@ -90,10 +91,12 @@ bool getClickedPoint(osgViewer::Viewer* viewer, float x, float y, const QString&
     if (hit == hits.end()) return false;
     point = hit->getLocalIntersectPoint();
     return true;
+} catch (const std::bad_alloc&) {
+    return false;
 }
 
 bool getClickedPointToMeshData(osgViewer::Viewer* viewer, float x, float y, osg::Vec3f& point, QString meshName)
-{
+try {
     const osg::ref_ptr<osg::Group> scene = detail::sceneGroupOf(viewer);
     const auto position = scene ? detail::cameraAt(*viewer, x, y) : std::nullopt;
     if (!position) return false;
@@ -111,11 +114,13 @@ bool getClickedPointToMeshData(osgViewer::Viewer* viewer, float x, float y, osg:
     if (takeLocalPoint(meshHits.hits, point)) return true;
     takeWorldPoint(detail::rayHits(*position, {&master, scene.get(), mesh}), point);
     return false;
+} catch (const std::bad_alloc&) {
+    return false;
 }
 
 bool getClickedPointToMeshDataAndDotFeature(osgViewer::Viewer* viewer, const QList<QVariant>& features, float x,
                                             float y, osg::Vec3f& point, CAutoScaleSphereMeta*& dot, QString meshName)
-{
+try {
     if (!detail::sceneGroupOf(viewer)) return false;
     if (takeDotByLabel(viewer, features, x, y, point, dot)) return true;
 
@@ -130,6 +135,8 @@ bool getClickedPointToMeshDataAndDotFeature(osgViewer::Viewer* viewer, const QLi
         };
         if (detail::walkUp(hit.nodePath, kind, takeDotOrMesh)) return true;
     }
+    return false;
+} catch (const std::bad_alloc&) {
     return false;
 }
 

@@ -28,13 +28,13 @@ bool accepts(featureType wanted, featureType kind)
     return wanted == featureAll || wanted == kind;
 }
 
+/// Changes all of the points or, if memory is exhausted, none.
 void getFeaturePoints(CFeatureMetaObject* feature, std::vector<osg::Vec3f>& points)
 {
     if (auto* const dot = dynamic_cast<CAutoScaleSphereMeta*>(feature)) {
         points.push_back(dot->getCenterPos());
     } else if (auto* const arrow = dynamic_cast<CArrowMeta*>(feature)) {
-        points.push_back(arrow->getStartPos());
-        points.push_back(arrow->getEndPos());
+        points.insert(points.end(), {arrow->getStartPos(), arrow->getEndPos()});
     } else if (const auto* const plane = dynamic_cast<CPlaneMeta*>(feature)) {
         points = plane->getPlaneInfo(); // replaces, where dots and lines append: hosts rely on both
     }
@@ -116,26 +116,29 @@ std::optional<FeatureHit> nearerOf(const std::optional<FeatureHit>& box, const s
 bool getIntersectionToFeatureBranch(osgViewer::Viewer* viewer, const QList<QVariant>& features, float x, float y,
                                     featureType wanted, osg::Vec3f& point, CFeatureMetaObject*& feature,
                                     featureType& kind, std::vector<osg::Vec3f>& points)
-{
+try {
     const osg::ref_ptr<osg::Group> scene = detail::sceneGroupOf(viewer);
     if (!scene || !findOrCreateFeatureRootNode(scene, wanted, false)) return false;
 
     if (const auto labelled = detail::pickFeatureTable(viewer, features, x, y);
         labelled && accepts(wanted, static_cast<featureType>(labelled->kind))) {
-        feature = dynamic_cast<CFeatureMetaObject*>(labelled->node.get());
+        auto* const picked = dynamic_cast<CFeatureMetaObject*>(labelled->node.get());
+        getFeaturePoints(picked, points);
+        feature = picked;
         kind = static_cast<featureType>(labelled->kind);
-        getFeaturePoints(feature, points);
         return true;
     }
 
     const osg::Camera& camera = *viewer->getCamera();
     const auto hit = nearerOf(boxHit(camera, x, y, wanted), rayHit(*viewer, x, y, wanted), camera);
     if (!hit) return false;
+    getFeaturePoints(hit->feature, points); // first: it may fail for want of memory
     kind = hit->kind;
     point = hit->point;
     feature = hit->feature;
-    getFeaturePoints(feature, points);
     return true;
+} catch (const std::bad_alloc&) {
+    return false;
 }
 
 } // namespace KelvOsgTools
