@@ -12,8 +12,8 @@ Written by `scripts/bench.sh`, which runs the programs in [benchmarks](../benchm
 page, run the script. Times are medians of {repetitions} runs, in milliseconds of the whole operation
 unless another unit stands beside them.
 
-Measured on {machine}, {build}; frames are drawn by `{renderer}`. Frame times on a graphics card are still
-to be measured.
+Measured on {machine}, {build}; frames are drawn by `{renderer}`.
+Frame times on a graphics card are still to be measured.
 
 ## What the benchmarks compare
 
@@ -31,27 +31,30 @@ to be measured.
 TAIL = """
 ## What remains
 
-- **Drawing.** In a profile of steady frames of 1,000 labelled dots three quarters of the time pass in the
-  software renderer, 5 % in OpenSceneGraph, 2 % in this library. A label text of eight letters takes about
-  75 us, its outline and rectangle 30 us, and a sphere 80 us, 20 us of which are the floor of any drawable
-  under a transform. A sphere of 2.5 to 12 pixels draws a half with about 1,300 triangles turned to the eye.
-  It differs from the full tessellation by at most 2/255, but for a pixel or two whose middle the outline
-  touches, and for single samples of multisampled outlines. With 800 triangles it would be 6/255, so there
-  they stay. Spheres of other sizes draw their full tessellation.
-- **Culling.** A cull of dots takes about twice that of the floor. In a profile a quarter of the time passes in
-  going from node to node, waiting for memory: a dot has a node more than the floor and
-  larger ones, 14,000 bytes against 5,500. Without any state sets
-  an eighth would be gained: a label needs one of its own, since labels of the same render index would
-  otherwise be drawn by parts, all outlines, then all rectangles, then all texts, right through each other.
-- **Picking.** A label pick looks at every node once, since any node may bear a listed name; a pick by kind then
-  walks with a box and with a ray. In a profile two thirds of the time are waits for memory, although nodes
-  are fetched ahead: a plane with its two normal arrows has 23 nodes in 26,000 bytes.
-- **Memory.** Most of a feature is its label. A solid arrow keeps vertices of its own, since its length is its
-  own; the normals of its head it shares with others that rise alike.
-- **Creating.** A feature first looks for a namesake among its siblings, where the nodes keep their names, so
-  that a host may rename, move and remove nodes as it likes. Among 10,000 that is a third of the time, which
-  is why a feature then takes up to twice as long as one among 1,000. A registry would be faster, and wrong
-  after the first node that a host moves.
+- **Drawing.** A first frame of 1,000 labelled dots is some twenty times as fast as the straightforward one,
+  a steady frame about six times; ten were the aim. In a profile of steady frames three quarters of the time
+  pass in the software renderer, 5 % in OpenSceneGraph, 2 % in this library. Drawn apart, the texts of eight
+  letters take 70 us each, the outlines and rectangles 15 us, the spheres 90 us, 20 us of which are the
+  floor of any drawable under a transform. The labels alone come near a tenth of a straightforward frame. A
+  sphere of 2.5 to 12 pixels draws a half with about 1,300 triangles turned to the eye. It differs from the
+  full tessellation by at most 2/255, but for a pixel or two whose middle the outline touches, and for
+  single samples of multisampled outlines. With 800 triangles it would take 30 us less, and differ by 6/255.
+  Spheres of other sizes draw their full tessellation.
+- **Culling.** A cull of 10,000 dots takes more than twice that of the floor. In a profile a quarter of the
+  time passes in going from node to node, waiting for memory: a dot has a node more than the floor and
+  larger ones, 14,000 bytes against 5,500. Without any state sets an eighth would be gained: a label needs
+  one of its own, since labels of the same render index would otherwise be drawn by parts, all outlines,
+  then all rectangles, then all texts, right through each other.
+- **Picking.** A label pick looks at every node once, since any node may bear a listed name; a pick by kind
+  then walks with a box and with a ray. Over 10,000 planes that takes longer than a frame of 16 ms: a plane
+  with its two normal arrows has 23 nodes in 26,000 bytes, and the profile shows little but waits for
+  memory, although nodes are fetched ahead.
+- **Memory.** Most of a feature is its label. A solid arrow keeps vertices of its own, since its length is
+  its own; the normals of its head it shares with others that rise alike.
+- **Creating.** A feature first looks for a namesake among its siblings, where the nodes keep their names,
+  so that a host may rename, move and remove nodes as it likes. Among 10,000 that is a third of the time,
+  which is why a feature then takes up to twice as long as one among 1,000. A registry would be faster, and
+  wrong after the first node that a host moves.
 """
 
 
