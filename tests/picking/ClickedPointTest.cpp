@@ -234,6 +234,16 @@ TEST(ClickedMeshPoint, NeedsTheMeshDirectlyBelowTheScene)
     expectNear(point, osg::Vec3f(5, 3, 0));
 }
 
+TEST(ClickedMeshPoint, IsNotHitInASceneThatIsMaskedOut)
+{
+    FeatureScene scene;
+    const auto viewer = pixelViewer(scene.root, 200, 200);
+    scene.root->setNodeMask(0);
+    osg::Vec3f point = kUntouched;
+    EXPECT_FALSE(getClickedPointToMeshData(viewer, 105, 103, point, "meshData"));
+    EXPECT_EQ(point, kUntouched);
+}
+
 TEST(ClickedMeshPoint, NeedsAMeshThatIsAGroup)
 {
     const osg::ref_ptr<osg::Group> scene = new osg::Group;

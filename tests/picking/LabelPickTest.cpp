@@ -87,6 +87,22 @@ TEST(LabelPick, FindsTheListedFeatureUnderThePosition)
     EXPECT_EQ(picked->node, dot);
 }
 
+TEST(LabelPick, FindsEachOfHundreds)
+{
+    LabelScene scene;
+    QStringList uids;
+    for (int i = 0; i < 400; ++i) { // 200 pixels apart, so that one of them is in the window
+        uids.append(QString("dot-%1").arg(i));
+        const osg::ref_ptr<osg::Group> dot = namedGroup(uids.back().toStdString());
+        dot->addChild(label(1, osg::Vec3f(200.0f * static_cast<float>(i), 0, 0)));
+        scene.features->addChild(dot);
+    }
+    for (int i = 0; i < 400; i += 57) {
+        scene.viewer->getCamera()->setViewMatrix(osg::Matrixd::translate(-200.0 * i, 0, -100));
+        EXPECT_EQ(scene.pickedName(listOf(uids)), uids[i].toStdString());
+    }
+}
+
 TEST(LabelPick, PassesOverWhatIsNotListed)
 {
     LabelScene scene;

@@ -22,6 +22,7 @@ using namespace kelvtest;
 namespace {
 
 constexpr int kScenes = 600;
+constexpr int kCrowds = 8; // of eighty scenes each
 constexpr int kPositionsPerScene = 10;
 
 osgUtil::PolytopeIntersector::Intersections plainBoxHits(osg::Camera& camera, float x, float y)
@@ -84,49 +85,96 @@ osg::ref_ptr<osg::Node> labelAt(const osg::Vec3f& place)
 
 } // namespace
 
+namespace {
+
+/// Expects of rays at random positions what the plain visitor finds. Returns how much that was.
+std::size_t compareRays(osgViewer::Viewer& viewer, Random& random)
+{
+    std::size_t found = 0;
+    for (int i = 0; i < kPositionsPerScene && !testing::Test::HasFailure(); ++i) {
+        const auto x = static_cast<float>(between(random, 0.0, 200.0));
+        const auto y = static_cast<float>(between(random, 0.0, 200.0));
+        SCOPED_TRACE(testing::Message() << "at " << x << ", " << y);
+        osgUtil::LineSegmentIntersector::Intersections expected;
+        viewer.computeIntersections(x, y, expected);
+        const detail::RayHits actual = detail::rayHits(viewer, x, y);
+        EXPECT_EQ(actual.size(), expected.size());
+        if (actual.size() != expected.size()) break;
+        for (auto a = actual.begin(), e = expected.begin(); a != actual.end(); ++a, ++e) expectSameHit(*a, *e);
+        found += expected.size();
+    }
+    return found;
+}
+
+/// The same of boxes.
+int compareBoxes(osgViewer::Viewer& viewer, Random& random)
+{
+    int found = 0;
+    for (int i = 0; i < kPositionsPerScene && !testing::Test::HasFailure(); ++i) {
+        const auto x = static_cast<float>(between(random, 0.0, 200.0));
+        const auto y = static_cast<float>(between(random, 0.0, 200.0));
+        SCOPED_TRACE(testing::Message() << "at " << x << ", " << y);
+        const auto expected = plainBoxHits(*viewer.getCamera(), x, y);
+        const auto actual = detail::nearestInBox(*viewer.getCamera(), x, y, 2.0);
+        EXPECT_EQ(actual.has_value(), !expected.empty());
+        if (!actual || expected.empty()) continue;
+        EXPECT_EQ(actual->distance, expected.begin()->distance);
+        EXPECT_EQ(actual->nodePath, expected.begin()->nodePath);
+        EXPECT_EQ(actual->drawable, expected.begin()->drawable);
+        EXPECT_EQ(actual->localIntersectionPoint, expected.begin()->localIntersectionPoint);
+        ++found;
+    }
+    return found;
+}
+
+} // namespace
+
 TEST(RayVisitor, FindsWhatThePlainVisitorFindsInRandomScenes)
 {
     std::size_t found = 0;
     for (unsigned int seed = 0; seed < kScenes; ++seed) {
+        SCOPED_TRACE(testing::Message() << "scene " << seed);
         Random random(seed);
         const osg::ref_ptr<osgViewer::Viewer> viewer = randomViewer(random, randomScene(random));
-        for (int i = 0; i < kPositionsPerScene && !HasFailure(); ++i) {
-            const auto x = static_cast<float>(between(random, 0.0, 200.0));
-            const auto y = static_cast<float>(between(random, 0.0, 200.0));
-            SCOPED_TRACE(testing::Message() << "scene " << seed << " at " << x << ", " << y);
-            osgUtil::LineSegmentIntersector::Intersections expected;
-            viewer->computeIntersections(x, y, expected);
-            const detail::RayHits actual = detail::rayHits(*viewer, x, y);
-            ASSERT_EQ(actual.size(), expected.size());
-            for (auto a = actual.begin(), e = expected.begin(); a != actual.end(); ++a, ++e) expectSameHit(*a, *e);
-            found += expected.size();
-        }
+        found += compareRays(*viewer, random);
     }
     EXPECT_GT(found, 10000u) << "the scenes leave nothing to hit";
+}
+
+TEST(RayVisitor, FindsWhatThePlainVisitorFindsInRandomCrowds)
+{
+    std::size_t found = 0;
+    for (unsigned int seed = 0; seed < kCrowds; ++seed) {
+        SCOPED_TRACE(testing::Message() << "crowd " << seed);
+        Random random(seed);
+        const osg::ref_ptr<osgViewer::Viewer> viewer = randomViewer(random, randomCrowd(random));
+        found += compareRays(*viewer, random);
+    }
+    EXPECT_GT(found, 500u) << "the crowds leave nothing to hit";
 }
 
 TEST(BoxVisitor, FindsTheHitThatThePlainVisitorFindsInRandomScenes)
 {
     int found = 0;
     for (unsigned int seed = 0; seed < kScenes; ++seed) {
+        SCOPED_TRACE(testing::Message() << "scene " << seed);
         Random random(seed);
         const osg::ref_ptr<osgViewer::Viewer> viewer = randomViewer(random, randomScene(random));
-        for (int i = 0; i < kPositionsPerScene && !HasFailure(); ++i) {
-            const auto x = static_cast<float>(between(random, 0.0, 200.0));
-            const auto y = static_cast<float>(between(random, 0.0, 200.0));
-            SCOPED_TRACE(testing::Message() << "scene " << seed << " at " << x << ", " << y);
-            const auto expected = plainBoxHits(*viewer->getCamera(), x, y);
-            const auto actual = detail::nearestInBox(*viewer->getCamera(), x, y, 2.0);
-            ASSERT_EQ(actual.has_value(), !expected.empty());
-            if (!actual) continue;
-            EXPECT_EQ(actual->distance, expected.begin()->distance);
-            EXPECT_EQ(actual->nodePath, expected.begin()->nodePath);
-            EXPECT_EQ(actual->drawable, expected.begin()->drawable);
-            EXPECT_EQ(actual->localIntersectionPoint, expected.begin()->localIntersectionPoint);
-            ++found;
-        }
+        found += compareBoxes(*viewer, random);
     }
     EXPECT_GT(found, 1000) << "the scenes leave nothing to hit";
+}
+
+TEST(BoxVisitor, FindsTheHitThatThePlainVisitorFindsInRandomCrowds)
+{
+    int found = 0;
+    for (unsigned int seed = 0; seed < kCrowds; ++seed) {
+        SCOPED_TRACE(testing::Message() << "crowd " << seed);
+        Random random(seed);
+        const osg::ref_ptr<osgViewer::Viewer> viewer = randomViewer(random, randomCrowd(random));
+        found += compareBoxes(*viewer, random);
+    }
+    EXPECT_GT(found, 20) << "the crowds leave nothing to hit";
 }
 
 TEST(RayVisitor, FindsWhatThePlainVisitorFindsBelowAProjection)

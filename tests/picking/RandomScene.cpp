@@ -281,6 +281,17 @@ osg::ref_ptr<osg::Group> randomScene(Random& random)
     return scene;
 }
 
+osg::ref_ptr<osg::Group> randomCrowd(Random& random)
+{
+    constexpr int kTrees = 80; // from 64 children on, groups are walked in another way
+    osg::ref_ptr<osg::Group> crowd = new osg::Group;
+    if (oneIn(random, 2)) crowd = new osg::MatrixTransform(randomMatrix(random));
+    for (int i = 0; i < kTrees; ++i) crowd->addChild(randomScene(random));
+    osg::ref_ptr<osg::Group> scene = new osg::Group;
+    scene->addChild(crowd);
+    return scene;
+}
+
 osg::ref_ptr<osgViewer::Viewer> randomViewer(Random& random, osg::Node* scene)
 {
     constexpr int kSize = 200;

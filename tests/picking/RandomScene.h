@@ -22,6 +22,9 @@ bool oneIn(Random& random, int n);
 /// off, masked out, never culled, empty or of extreme scale.
 osg::ref_ptr<osg::Group> randomScene(Random& random);
 
+/// Many such trees side by side, below a plain group or below a transform.
+osg::ref_ptr<osg::Group> randomCrowd(Random& random);
+
 /// A viewer over the scene, 200 by 200 pixels: parallel or in perspective, from a random side; with
 /// y downwards or a slave camera now and then. Auto-scaled nodes know their scale, or not yet.
 osg::ref_ptr<osgViewer::Viewer> randomViewer(Random& random, osg::Node* scene);
