@@ -8,10 +8,9 @@
 #include <benchmark/benchmark.h>
 
 namespace {
+using kelvbench::kHeight;
+using kelvbench::kWidth;
 using kelvbench::Sort;
-
-constexpr int kWidth = 1000;
-constexpr int kHeight = 800;
 
 /// What a frame does before it draws: walks the scene and sorts what is to be drawn.
 void cull(benchmark::State& state, Sort sort)

@@ -5,11 +5,10 @@
 #include <osgViewer/Viewer>
 
 namespace {
+using kelvbench::kHeight;
+using kelvbench::kWidth;
 using kelvbench::SceneBuilder;
 using kelvbench::Sort;
-
-constexpr int kWidth = 1000;
-constexpr int kHeight = 800;
 
 /// A viewer without a window; null where there is no GL context to be had.
 osg::ref_ptr<osgViewer::Viewer> offscreenViewer(osg::Node* scene)

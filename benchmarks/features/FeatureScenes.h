@@ -20,6 +20,10 @@ enum class Sort
     BareTransform ///< the floor: as many auto-scaled transforms and drawables, with shared arrays and state
 };
 
+// The window that they are drawn in: a unit is a pixel.
+inline constexpr int kWidth = 1000;
+inline constexpr int kHeight = 800;
+
 /// A scene with that many of one sort, with names of their own, scattered over a square of 1000 by
 /// 800 units around the origin. Lengths differ, so that arrows share no more than they would in a
 /// host's scene.

@@ -25,7 +25,7 @@ constexpr int kMeshRows = 500; // two triangles a cell
 osg::ref_ptr<osg::Vec3Array> meshVertices()
 {
     osg::ref_ptr<osg::Vec3Array> vertices = new osg::Vec3Array;
-    vertices->reserve((kMeshColumns + 1) * (kMeshRows + 1));
+    vertices->reserve((kMeshColumns + 1ul) * (kMeshRows + 1ul));
     for (int row = 0; row <= kMeshRows; ++row)
         for (int column = 0; column <= kMeshColumns; ++column)
             vertices->push_back(osg::Vec3f(float(column) / kMeshColumns * kWidth - kWidth / 2.0f,
@@ -37,7 +37,7 @@ osg::ref_ptr<osg::Vec3Array> meshVertices()
 osg::ref_ptr<osg::DrawElementsUInt> meshTriangles()
 {
     osg::ref_ptr<osg::DrawElementsUInt> triangles = new osg::DrawElementsUInt(GL_TRIANGLES);
-    triangles->reserve(kMeshColumns * kMeshRows * 6u);
+    triangles->reserve(6ul * kMeshColumns * kMeshRows);
     for (GLuint row = 0; row < kMeshRows; ++row)
         for (GLuint column = 0; column < kMeshColumns; ++column) {
             const GLuint first = row * (kMeshColumns + 1) + column;
@@ -67,7 +67,8 @@ osg::Vec3f placeOf(int index, int count)
 {
     const int columns = static_cast<int>(std::ceil(std::sqrt(double(count))));
     const float x = kStripWidth + (float(index % columns) + 0.5f) / float(columns) * (kWidth - kStripWidth);
-    const float y = (float(columns - 1 - index / columns) + 0.5f) / float(columns) * kHeight;
+    const int row = columns - 1 - index / columns;
+    const float y = (float(row) + 0.5f) / float(columns) * kHeight;
     return {x - kWidth / 2.0f, y - kHeight / 2.0f, 20.0f};
 }
 

@@ -52,7 +52,7 @@ public:
         camera.setClearColor(osg::Vec4(0.87f, 0.90f, 0.94f, 1.0f));
         camera.setViewport(0, 0, kWidth, kHeight);
         camera.setComputeNearFarMode(osg::Camera::DO_NOT_COMPUTE_NEAR_FAR);
-        camera.setProjectionMatrixAsOrtho(-kWidth / 2, kWidth / 2, -kHeight / 2, kHeight / 2, 1.0, kHalfDepth);
+        camera.setProjectionMatrixAsOrtho(-kWidth / 2.0, kWidth / 2.0, -kHeight / 2.0, kHeight / 2.0, 1.0, kHalfDepth);
         camera.setFinalDrawCallback(m_reader);
     }
 

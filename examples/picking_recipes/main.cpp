@@ -126,7 +126,7 @@ int main(int argc, char** argv)
     tellAboutTheWindow(viewer, window, kWidth, kHeight);
     viewer.setSceneData(scene);
     viewer.getCamera()->setViewMatrixAsLookAt(osg::Vec3d(0, 0, 1000), osg::Vec3d(), osg::Y_AXIS);
-    viewer.getCamera()->setProjectionMatrixAsOrtho(-kWidth / 2, kWidth / 2, -kHeight / 2, kHeight / 2, 1.0, 2000.0);
+    viewer.getCamera()->setProjectionMatrixAsOrtho(-kWidth / 2.0, kWidth / 2.0, -kHeight / 2.0, kHeight / 2.0, 1.0, 2000.0);
 
     const QList<QVariant> visible = listOf({"dot-1", "dot-2"});
     Hover hover;

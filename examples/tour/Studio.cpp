@@ -51,7 +51,7 @@ void forgetMissingFunctions(osg::GraphicsContext& context)
 }
 
 /// A light that stays where it is beside the camera; directions are in eye coordinates.
-osg::ref_ptr<osg::LightSource> eyeLight(int number, const osg::Vec3f& from, float brightness, float ambient)
+osg::ref_ptr<osg::LightSource> eyeLight(unsigned int number, const osg::Vec3f& from, float brightness, float ambient)
 {
     const osg::ref_ptr<osg::Light> light = new osg::Light(number);
     light->setPosition(osg::Vec4(from, 0.0f));
@@ -209,8 +209,8 @@ void Studio::show(osg::Group* scene, osg::Node* subject)
 {
     scene->addChild(threePointLight());
     osg::StateSet& state = *scene->getOrCreateStateSet();
-    for (const GLenum mode : {GL_LIGHTING, GL_LIGHT0, GL_LIGHT1, GL_LIGHT2})
-        state.setMode(mode, osg::StateAttribute::ON);
+    for (const int mode : {GL_LIGHTING, GL_LIGHT0, GL_LIGHT1, GL_LIGHT2})
+        state.setMode(static_cast<GLenum>(mode), osg::StateAttribute::ON);
     m_viewer->setSceneData(scene);
     m_viewer->getCamera()->addChild(m_frame); // setSceneData removed it
     m_frame->setNodeMask(0u);

@@ -36,17 +36,17 @@ FlatSquare squareAround(const SurfacePoint& spot, float side)
     return {{spot.point - a - b, spot.point + a - b, spot.point + a + b, spot.point - a + b}, spot.normal, side};
 }
 
-osg::Vec3f centreOf(const FlatSquare& square)
-{
-    return (square.corners[0] + square.corners[2]) * 0.5f;
-}
-
 bool areApart(const FlatSquare& a, const FlatSquare& b)
 {
-    return (centreOf(a) - centreOf(b)).length() > 0.75f * (a.side + b.side);
+    return (a.centre() - b.centre()).length() > 0.75f * (a.side + b.side);
 }
 
 } // namespace
+
+osg::Vec3f FlatSquare::centre() const
+{
+    return (corners[0] + corners[2]) * 0.5f;
+}
 
 float labelDistance(const osg::Vec2f& a, const osg::Vec2f& b)
 {
@@ -124,7 +124,7 @@ bool Survey::liesOnMesh(const FlatSquare& square) const
 FlatSquare Survey::largestSquareAt(const SurfacePoint& spot) const
 {
     for (const float side : kSides) {
-        const FlatSquare square = squareAround(spot, side * m_meshSize);
+        FlatSquare square = squareAround(spot, side * m_meshSize);
         if (liesOnMesh(square)) return square;
     }
     return {};

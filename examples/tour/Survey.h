@@ -21,6 +21,8 @@ struct SurfacePoint
 /// A flat square on the mesh, with its four corners in order.
 struct FlatSquare
 {
+    osg::Vec3f centre() const;
+
     std::vector<osg::Vec3f> corners;
     osg::Vec3f normal;
     float side = 0.0f;

@@ -12,11 +12,6 @@ namespace {
 
 constexpr float kStandHeight = 0.42f; // of the mesh's radius
 
-osg::Vec3f centreOf(const FlatSquare& square)
-{
-    return (square.corners[0] + square.corners[2]) * 0.5f;
-}
-
 } // namespace
 
 Tour::Tour(Studio& studio, osg::Node* mesh, std::string folder)
@@ -36,7 +31,7 @@ void Tour::choosePlaces()
     m_squares = survey.flatSquares(kPlanes + kStands);
     if (m_squares.size() < kPlanes + kStands) throw std::runtime_error("the mesh has too little smooth surface");
     for (std::size_t i = kPlanes; i < m_squares.size(); ++i) {
-        const osg::Vec3f foot = centreOf(m_squares[i]);
+        const osg::Vec3f foot = m_squares[i].centre();
         m_stands.push_back({foot, foot + m_squares[i].normal * share(kStandHeight)});
     }
     m_segments = bestPairs(survey.spreadPoints(2 * kSegments, labelPositions()));
@@ -47,7 +42,7 @@ void Tour::choosePlaces()
 std::vector<osg::Vec2f> Tour::labelPositions() const
 {
     std::vector<osg::Vec2f> positions;
-    for (std::size_t i = 0; i < kPlanes; ++i) positions.push_back(windowPosition(centreOf(m_squares[i])));
+    for (std::size_t i = 0; i < kPlanes; ++i) positions.push_back(windowPosition(m_squares[i].centre()));
     for (const std::vector<Segment>* const segments : {&m_stands, &m_segments})
         for (const Segment& segment : *segments)
             for (const osg::Vec3f& point : {segment.start, segment.middle(), segment.end})

@@ -51,7 +51,7 @@ bool isFeatureFile(const QString& path)
 /// The stored settings, which must be in force before anything is built.
 ViewerSettings appliedSettings(double pixelRatio)
 {
-    const ViewerSettings settings = ViewerSettings::load();
+    ViewerSettings settings = ViewerSettings::load();
     settings.apply(pixelRatio);
     return settings;
 }

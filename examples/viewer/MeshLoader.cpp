@@ -20,7 +20,7 @@ namespace {
 
 const osg::Vec4f kPlainColour(0.60f, 0.65f, 0.71f, 1.0f); // of meshes that bring none
 
-QString translated(const char* text)
+QString reasonText(const char* text)
 {
     return QCoreApplication::translate("MeshLoader", text);
 }
@@ -81,7 +81,7 @@ QString reasonFor(const QString& path, const std::string& message)
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) return file.errorString();
     if (!message.empty()) return QString::fromStdString(message);
-    return translated("The format is not known or the file is damaged.");
+    return reasonText("The format is not known or the file is damaged.");
 }
 
 } // namespace
@@ -106,7 +106,7 @@ LoadedMesh loadMesh(const QString& path, const std::function<bool(double)>& prog
         if (!progress(double(i) / double(geometries.size()))) return {};
         mesh.triangles += prepare(*geometries[i], *builder);
     }
-    if (mesh.triangles == 0) return {nullptr, translated("The file holds no surface."), 0};
+    if (mesh.triangles == 0) return {nullptr, reasonText("The file holds no surface."), 0};
     return mesh;
 }
 
