@@ -43,7 +43,7 @@ ROOM_PROGRAMS = {
                    "primitives/label_without_application_tests", "scene/scene_tests", "scene/feature_cost_tests",
                    "primitives/axis_picture_tests", "scene/scene_picture_tests", "picking/picking_tests",
                    "primitives/primitives_picture_tests", "scene/scene_threaded_tests"],
-    "picking": ["picking/picking_tests"],
+    "picking": ["picking/picking_tests", "picking/exhausted_pick_tests"],
     "persistence": ["persistence/persistence_tests", "persistence/persistence_save_interruption_tests",
                     "persistence/persistence_hostile_file_tests"],
 }
