@@ -1,11 +1,13 @@
 #include "primitives/SphereDrawable.h"
 
 #include "primitives/ShapeBuilder.h"
+#include "primitives/SpherePixels.h"
 #include "primitives/TriangleSet.h"
 
 #include <osg/Array>
 #include <osg/GL>
 #include <osg/Math>
+#include <osg/PolygonMode>
 #include <osg/State>
 #include <osg/TriangleIndexFunctor>
 #include <osg/observer_ptr>
@@ -33,7 +35,7 @@ struct CollectTriangles
 
 constexpr float kMinCapRadius = 2.5f;  // pixels; below, a pixel shows how single facets are rasterized
 constexpr float kMaxCapRadius = 12.0f; // pixels; beyond, the facets of the full outline show
-constexpr float kMinCapRatio = 2.5f;   // below, the full tessellation is light, and its facets show
+constexpr float kMinRoundRatio = 2.5f; // below, the full tessellation is light, and its facets show
 
 /// A circle of vertices around the pole.
 struct Ring
@@ -132,6 +134,14 @@ osg::Matrixd facingTheEye(const osg::Matrixd& modelView, const osg::Matrixd& pro
     return osg::Matrixd::rotate(osg::Vec3d(0.0, 0.0, 1.0), direction);
 }
 
+/// Whether triangles are filled, rather than drawn by their edges or corners.
+bool fillsTriangles(const osg::State& state)
+{
+    const auto* const mode =
+        static_cast<const osg::PolygonMode*>(state.getLastAppliedAttribute(osg::StateAttribute::POLYGONMODE));
+    return !mode || mode->getMode(osg::PolygonMode::FRONT) == osg::PolygonMode::FILL;
+}
+
 } // namespace
 
 SphereMesh::SphereMesh(float meshRadius, float meshRatio) : radius(meshRadius), detailRatio(meshRatio)
@@ -145,7 +155,7 @@ SphereMesh::SphereMesh(float meshRadius, float meshRatio) : radius(meshRadius), 
     normals = full->getNormalArray();
     triangles = triangleSet(collect.indices, vertices->getNumElements());
     box = full->getBoundingBox();
-    if (radius >= kMinCapRadius && radius <= kMaxCapRadius && detailRatio >= kMinCapRatio) cap = makeCap(radius);
+    if (radius >= kMinCapRadius && radius <= kMaxCapRadius && detailRatio >= kMinRoundRatio) cap = makeCap(radius);
 }
 
 SphereMesh::~SphereMesh() = default;
@@ -219,30 +229,38 @@ osg::BoundingBox SphereDrawable::computeBoundingBox() const
     return showsMesh() ? m_mesh->box : osg::ShapeDrawable::computeBoundingBox();
 }
 
-bool SphereDrawable::drawsCap() const
+bool SphereDrawable::looksRound() const
 {
     // A translucent sphere shows its far side too.
-    return m_mesh->cap && showsMesh() && getColorArray() && _color.a() >= 1.0f;
+    return m_detailRatio >= kMinRoundRatio && showsMesh() && getColorArray() && _color.a() >= 1.0f;
 }
 
 void SphereDrawable::drawImplementation(osg::RenderInfo& renderInfo) const
 {
-    if (!drawsCap()) {
+    osg::State& state = *renderInfo.getState();
+    if (!looksRound() || !fillsTriangles(state)) return osg::ShapeDrawable::drawImplementation(renderInfo);
+
+    state.Color(_color.r(), _color.g(), _color.b(), _color.a());
+    if (drawSpherePixels(renderInfo, m_mesh->radius)) return;
+    if (m_mesh->cap)
+        drawCap(renderInfo);
+    else
         osg::ShapeDrawable::drawImplementation(renderInfo);
-        return;
-    }
+}
+
+void SphereDrawable::drawCap(osg::RenderInfo& renderInfo) const
+{
     osg::State& state = *renderInfo.getState();
     const osg::Matrixd modelView = state.getModelViewMatrix();
     state.applyModelViewMatrix(facingTheEye(modelView, state.getProjectionMatrix()) * modelView);
     if (state.getUseModelViewAndProjectionUniforms()) state.applyModelViewAndProjectionUniformsIfRequired();
-    state.Color(_color.r(), _color.g(), _color.b(), _color.a());
     m_mesh->cap->drawImplementation(renderInfo);
     state.applyModelViewMatrix(modelView);
 }
 
 void SphereDrawable::compileGLObjects(osg::RenderInfo& renderInfo) const
 {
-    if (drawsCap())
+    if (m_mesh->cap && looksRound())
         m_mesh->cap->compileGLObjects(renderInfo);
     else
         osg::ShapeDrawable::compileGLObjects(renderInfo);

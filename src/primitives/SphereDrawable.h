@@ -41,10 +41,11 @@ protected:
 /// The sphere of a marker of constant screen size: a shape drawable that shares its arrays with
 /// its equals.
 ///
-/// Picking sees the full tessellation. Drawing turns a lighter half of the same look to the eye: at
-/// a radius of three pixels nobody tells 400 triangles from 14,400. Once a host gives it other
-/// arrays (by setShape, build or the setters of osg::Geometry), it is what the host made of it. It
-/// has no class name of its own: to hosts and files it is an osg::ShapeDrawable.
+/// Picking sees the full tessellation. Drawing sets the few pixels of a small sphere one by one
+/// (SpherePixels.h) or, where that would look different, turns a lighter half to the eye: at a
+/// radius of three pixels nobody sees 14,400 triangles. Once a host gives it other arrays (by
+/// setShape, build or the setters of osg::Geometry), it is what the host made of it. It has no class
+/// name of its own: to hosts and files it is an osg::ShapeDrawable.
 class SphereDrawable : public osg::ShapeDrawable
 {
 public:
@@ -69,7 +70,8 @@ protected:
 private:
     void use(const osg::ref_ptr<SphereMesh>& mesh);
     bool showsMesh() const;
-    bool drawsCap() const;
+    bool looksRound() const;
+    void drawCap(osg::RenderInfo& renderInfo) const;
 
     float m_detailRatio;
     osg::ref_ptr<SphereMesh> m_mesh;

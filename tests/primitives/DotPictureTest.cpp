@@ -1,6 +1,7 @@
 #include <KelvOsgTools/CFlagAutoScaleSphereMeta.h>
 #include <KelvOsgTools/CSphereMeta.h>
 
+#include "OrangeDot.h"
 #include "support/PictureRig.h"
 #include "support/PictureScenes.h"
 
@@ -17,17 +18,6 @@
 namespace {
 using namespace KelvOsgTools;
 using namespace kelvtest;
-
-const osg::Vec4f kOrange(1.0f, 0.5f, 0.0f, 1.0f);
-
-CAutoScaleSphereMeta::structSphereMeta dotRecord(float radius, const osg::Vec3f& centre = osg::Vec3f())
-{
-    CAutoScaleSphereMeta::structSphereMeta meta;
-    meta.cneterPos = centre;
-    meta.radius = radius;
-    meta.color = kOrange;
-    return meta;
-}
 
 osg::ref_ptr<osg::Image> pictureOf(osg::Node* node)
 {
@@ -317,107 +307,5 @@ TEST_F(DotPicture, OfAPlainSphereCanBeHiddenAndShown)
     maker->visible(true);
     EXPECT_TRUE(alike(*rig.render(), *shown, "sphere-shown", {0, 0.0})); // the same sphere
 }
-
-// Tessellation
-
-struct SphereView
-{
-    float radius;
-    bool isNear; // in perspective: at a unit of the scene, or at thousands
-    unsigned int samples;
-};
-
-std::string nameOf(const SphereView& view)
-{
-    return "Radius" + std::to_string(static_cast<int>(view.radius)) + (view.isNear ? "Near" : "Far") +
-           (view.samples > 0 ? "Multisampled" : "");
-}
-
-class SphereDrawn : public PictureTest, public ::testing::WithParamInterface<SphereView>
-{};
-
-/// The same dot with a stock shape, fully tessellated, in place of its sphere.
-osg::ref_ptr<CAutoScaleSphereMeta> withStockSphere(const CAutoScaleSphereMeta::structSphereMeta& meta)
-{
-    osg::ref_ptr<CAutoScaleSphereMeta> dot = new CAutoScaleSphereMeta(meta);
-    const osg::ref_ptr<osg::TessellationHints> hints = new osg::TessellationHints;
-    hints->setDetailRatio(meta.ratio);
-    const osg::ref_ptr<osg::ShapeDrawable> stock =
-        new osg::ShapeDrawable(new osg::Sphere(osg::Vec3f(), meta.radius), hints);
-    stock->setColor(meta.color);
-    osg::Geode& geode = *dot->getChild(0)->asGroup()->getChild(0)->asGeode();
-    geode.replaceDrawable(geode.getDrawable(0), stock);
-    return dot;
-}
-
-constexpr int kUnseen = 2; // of 255
-
-/// How two pictures of one sphere differ, inside of it and where its outline crosses pixels.
-struct SphereDifference
-{
-    int inside = 0;        // largest of all pixels whose surroundings are covered
-    int outlinePixels = 0; // how many there are
-    double outline = 0.0;  // mean of these
-    int outlineOdd = 0;    // how many of these differ visibly
-};
-
-SphereDifference compareSpheres(const osg::Image& a, const osg::Image& b)
-{
-    constexpr int kReach = 2; // an edge that is shared between samples reaches into neighbouring pixels
-    SphereDifference result;
-    for (int y = kReach; y < a.t() - kReach; ++y)
-        for (int x = kReach; x < a.s() - kReach; ++x) {
-            const osg::ref_ptr<osg::Image> around = cut(b, {x - kReach, y - kReach, x + kReach, y + kReach});
-            const int delta = difference(pixelAt(a, x, y), pixelAt(b, x, y));
-            const int whitePixels = countPixels(*around, kWhite, 0);
-            if (whitePixels == 0)
-                result.inside = std::max(result.inside, delta);
-            else if (whitePixels < around->s() * around->t()) {
-                ++result.outlinePixels;
-                result.outline += delta;
-                if (delta > kUnseen) ++result.outlineOdd;
-            }
-        }
-    result.outline /= std::max(1, result.outlinePixels);
-    return result;
-}
-
-TEST_P(SphereDrawn, LooksLikeTheFullTessellation)
-{
-    const auto [radius, isNear, samples] = GetParam();
-    const double distance = isNear ? 2.0 : 4000.0;
-    PictureRig rig(140, 140, samples);
-    rig.lookInPerspective(osg::Vec3d(0, 0, distance), osg::Vec3d(), osg::Y_AXIS);
-    const double unitsPerPixel = 2.0 * distance * std::tan(osg::DegreesToRadians(15.0)) / 140.0;
-
-    const osg::Vec2d fractions[] = {{0.0, 0.0}, {0.5, 0.5}, {0.27, 0.81}, {0.93, 0.36}};
-    for (const osg::Vec2d& fraction : fractions) {
-        const osg::Vec3f centre(osg::Vec3d(fraction, 0.0) * unitsPerPixel);
-        rig.setScene(groupOf({withStockSphere(dotRecord(radius, centre))}));
-        const osg::ref_ptr<osg::Image> expected = rig.render();
-        rig.setScene(groupOf({new CAutoScaleSphereMeta(dotRecord(radius, centre))}));
-        EXPECT_FALSE(discOf(*expected).isEmpty());
-
-        const SphereDifference found = compareSpheres(*rig.render(), *expected);
-        EXPECT_LE(found.inside, samples > 0 ? kUnseen + 1 : kUnseen); // mixing samples adds one
-        // Any other triangles may win or lose a sample here and there along the outline; of whole pixels
-        // there are two at most, whose middles the outline touches.
-        EXPECT_LE(found.outline, 3.0);
-        if (samples == 0) {
-            EXPECT_LE(found.outlineOdd, 2);
-        }
-    }
-}
-
-std::vector<SphereView> allSphereViews()
-{
-    std::vector<SphereView> views;
-    for (const float radius : {1.0f, 3.0f, 5.0f, 8.0f, 12.0f, 60.0f})
-        for (const bool isNear : {true, false})
-            for (const unsigned int samples : {0u, 4u}) views.push_back({radius, isNear, samples});
-    return views;
-}
-INSTANTIATE_TEST_SUITE_P(Views, SphereDrawn, ::testing::ValuesIn(allSphereViews()),
-                         [](const auto& test) { return nameOf(test.param); });
 
 } // namespace
