@@ -26,6 +26,7 @@ osg::ref_ptr<osgViewer::Viewer> offscreenViewer(osg::Node* scene)
 
     osg::ref_ptr<osgViewer::Viewer> viewer = new osgViewer::Viewer;
     viewer->setThreadingModel(osgViewer::ViewerBase::SingleThreaded);
+    viewer->setUseConfigureAffinity(false); // or the process, and software rendering, is left with one core
     osg::Camera& camera = *viewer->getCamera();
     camera.setGraphicsContext(context);
     camera.setViewport(0, 0, kWidth, kHeight);
