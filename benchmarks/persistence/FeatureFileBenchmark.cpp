@@ -13,8 +13,8 @@
 #include <random>
 #include <vector>
 
-// Saving and loading, each beside what Qt's stream classes take for the same file when nothing is
-// made of it: WriteFeatures/N beside BareStreamWriter/N, ReadFeatures/N beside BareStreamReader/N.
+// Saving and loading N features of a kind, each beside what Qt's stream classes take for the same file
+// when nothing is made of it: write/Dots/N beside bareWriter/Dots/N, read/Dots/N beside bareReader/Dots/N.
 // All of them start and end with a file in one folder; set TMPDIR to choose the disk.
 
 namespace {
@@ -29,33 +29,33 @@ osg::Vec3f randomPoint(std::mt19937& random)
     return {coordinate(random), coordinate(random), coordinate(random)};
 }
 
-void addFeature(const osg::ref_ptr<osg::Group>& scene, int number, std::mt19937& random)
+void addFeature(const osg::ref_ptr<osg::Group>& scene, featureType kind, int number, std::mt19937& random)
 {
     const osg::Vec3f point = randomPoint(random);
     const QString name = QString::number(number);
-    if (number % 3 == 0)
+    if (kind == featureDot) {
         createAutoScaleShpereAndTable("dot" + name, scene, point, 1, "Point", number, featureStateNormal, false);
-    if (number % 3 == 1) {
+    } else if (kind == featureLine) {
         CArrowMeta::structArrowMeta line;
         line.startPos = point;
         line.endPos = randomPoint(random);
         line.name = "line" + name.toStdString();
         line.isLineArrow = true;
         createArrowAndTable(featureStateNormal, line, scene, 1, "line", number);
-    }
-    if (number % 3 == 2)
+    } else {
         createPlaneAndTable(featureStateNormal, "plane" + name, scene,
                             {point, randomPoint(random), randomPoint(random), randomPoint(random)}, osg::Z_AXIS, 1,
                             "Plane", number);
+    }
 }
 
 /// A saved scene of some size: its exporter, the file, and the file's tokens.
 struct SavedScene
 {
-    explicit SavedScene(int features)
+    SavedScene(featureType kind, int features)
     {
         std::mt19937 random(1);
-        for (int i = 0; i < features; ++i) addFeature(scene, i, random);
+        for (int i = 0; i < features; ++i) addFeature(scene, kind, i, random);
         exporter.getMetaStructInfo(scene);
         exporter.setFeatureTagCount(features, features, features);
         exporter.createXML(scene, folder.path(), "saved");
@@ -75,15 +75,9 @@ struct SavedScene
     QTemporaryDir folder;
 };
 
-const SavedScene& savedScene(int features)
+void write(benchmark::State& state, featureType kind)
 {
-    static const SavedScene saved(features); // one size only: building its labels takes seconds
-    return saved;
-}
-
-void writeFeatures(benchmark::State& state)
-{
-    const SavedScene& saved = savedScene(static_cast<int>(state.range(0)));
+    const SavedScene saved(kind, static_cast<int>(state.range(0)));
     exportFeature exporter = saved.exporter;
     for (auto _ : state) exporter.createXML(saved.scene, saved.folder.path(), "written");
     if (saved.bytes("written") != saved.bytes("saved")) state.SkipWithError("wrote another file");
@@ -144,9 +138,9 @@ void writeElements(QIODevice* file, const std::vector<Element>& elements)
     writer.writeEndDocument();
 }
 
-void bareStreamWriter(benchmark::State& state)
+void bareWriter(benchmark::State& state, featureType kind)
 {
-    const SavedScene& saved = savedScene(static_cast<int>(state.range(0)));
+    const SavedScene saved(kind, static_cast<int>(state.range(0)));
     const std::vector<Element> elements = elementsOf(saved.bytes("saved"));
     for (auto _ : state) {
         QFile file(saved.path("bare"));
@@ -157,24 +151,24 @@ void bareStreamWriter(benchmark::State& state)
     state.SetBytesProcessed(state.iterations() * saved.bytes("saved").size());
 }
 
-void readFeatures(benchmark::State& state)
+void read(benchmark::State& state, featureType kind)
 {
     const int features = static_cast<int>(state.range(0));
-    const SavedScene& saved = savedScene(features);
-    int read = 0;
+    const SavedScene saved(kind, features);
+    int count = 0;
     for (auto _ : state) {
         importFeature importer;
         importer.getFeatureInfoIntoXML(saved.folder.path(), "saved");
-        read = importer.getAutoScaleShpereTableInfo().size() + importer.getArrowTableInfo().size() +
-               importer.getPlaneTableInfo().size();
+        count = importer.getAutoScaleShpereTableInfo().size() + importer.getArrowTableInfo().size() +
+                importer.getPlaneTableInfo().size();
     }
-    if (read != features) state.SkipWithError("did not read all features");
+    if (count != features) state.SkipWithError("did not read all features");
     state.SetBytesProcessed(state.iterations() * saved.bytes("saved").size());
 }
 
-void bareStreamReader(benchmark::State& state)
+void bareReader(benchmark::State& state, featureType kind)
 {
-    const SavedScene& saved = savedScene(static_cast<int>(state.range(0)));
+    const SavedScene saved(kind, static_cast<int>(state.range(0)));
     for (auto _ : state) {
         QFile file(saved.path("saved"));
         file.open(QIODevice::ReadOnly | QIODevice::Text);
@@ -185,11 +179,17 @@ void bareStreamReader(benchmark::State& state)
     state.SetBytesProcessed(state.iterations() * saved.bytes("saved").size());
 }
 
-constexpr int kFeatures = 10000;
-BENCHMARK(bareStreamWriter)->Name("BareStreamWriter")->Arg(kFeatures)->Unit(benchmark::kMillisecond);
-BENCHMARK(writeFeatures)->Name("WriteFeatures")->Arg(kFeatures)->Unit(benchmark::kMillisecond);
-BENCHMARK(bareStreamReader)->Name("BareStreamReader")->Arg(kFeatures)->Unit(benchmark::kMillisecond);
-BENCHMARK(readFeatures)->Name("ReadFeatures")->Arg(kFeatures)->Unit(benchmark::kMillisecond);
+#define KELV_FILE(operation, name, kind)                                                                               \
+    BENCHMARK_CAPTURE(operation, name, kind)->RangeMultiplier(10)->Range(100, 10000)->Unit(benchmark::kMillisecond)
+#define KELV_FILES(name, kind)                                                                                         \
+    KELV_FILE(bareWriter, name, kind);                                                                                 \
+    KELV_FILE(write, name, kind);                                                                                      \
+    KELV_FILE(bareReader, name, kind);                                                                                 \
+    KELV_FILE(read, name, kind)
+
+KELV_FILES(Dots, featureDot);
+KELV_FILES(Lines, featureLine);
+KELV_FILES(Planes, featurePlane);
 
 } // namespace
 
