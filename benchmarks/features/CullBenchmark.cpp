@@ -51,5 +51,6 @@ KELV_CULL(LineArrow);
 KELV_CULL(SolidArrow);
 KELV_CULL(Plane);
 KELV_CULL(BareTransform);
+KELV_CULL(BareLabel);
 
 } // namespace

@@ -14,7 +14,9 @@
 #include <unistd.h>
 
 #include <fstream>
+#include <initializer_list>
 #include <string>
+#include <utility>
 
 namespace kelvbench {
 namespace {
@@ -109,30 +111,80 @@ public:
     }
 };
 
+/// Makes squares that share their arrays.
+class SquareMaker
+{
+public:
+    SquareMaker()
+    {
+        for (const auto& [x, y] : {std::pair{-3.0f, -3.0f}, {3.0f, -3.0f}, {3.0f, 3.0f}, {-3.0f, 3.0f}})
+            m_corners->push_back(osg::Vec3f(x, y, 0.0f));
+    }
+
+    osg::ref_ptr<osg::Geometry> make() const
+    {
+        osg::ref_ptr<osg::Geometry> square = new osg::Geometry;
+        square->setVertexArray(m_corners);
+        square->addPrimitiveSet(m_fan);
+        return square;
+    }
+
+private:
+    osg::ref_ptr<osg::Vec3Array> m_corners = new osg::Vec3Array;
+    osg::ref_ptr<osg::DrawArrays> m_fan = new osg::DrawArrays(GL_TRIANGLE_FAN, 0, 4);
+};
+
+osg::ref_ptr<osg::StateSet> unlit()
+{
+    osg::ref_ptr<osg::StateSet> state = new osg::StateSet;
+    state->setMode(GL_LIGHTING, osg::StateAttribute::OFF);
+    return state;
+}
+
+osg::ref_ptr<osg::AutoTransform> bareTransform(int index, osg::StateSet* state,
+                                               std::initializer_list<osg::ref_ptr<osg::Drawable>> drawables)
+{
+    const osg::ref_ptr<osg::Geode> geode = new osg::Geode;
+    geode->setStateSet(state);
+    for (const osg::ref_ptr<osg::Drawable>& drawable : drawables) geode->addDrawable(drawable);
+    osg::ref_ptr<osg::AutoTransform> transform = new osg::AutoTransform;
+    transform->setAutoScaleToScreen(true);
+    transform->setPosition(scattered(index));
+    transform->addChild(geode);
+    return transform;
+}
+
 osg::ref_ptr<osg::Group> bareTransforms(int count)
 {
-    const osg::ref_ptr<osg::Vec3Array> corners = new osg::Vec3Array;
-    for (const auto& [x, y] : {std::pair{-3.0f, -3.0f}, {3.0f, -3.0f}, {3.0f, 3.0f}, {-3.0f, 3.0f}})
-        corners->push_back(osg::Vec3f(x, y, 0.0f));
-    const osg::ref_ptr<osg::DrawArrays> fan = new osg::DrawArrays(GL_TRIANGLE_FAN, 0, 4);
-    const osg::ref_ptr<osg::StateSet> state = new osg::StateSet;
-    state->setMode(GL_LIGHTING, osg::StateAttribute::OFF);
+    const SquareMaker squares;
+    const osg::ref_ptr<osg::StateSet> state = unlit();
+    osg::ref_ptr<osg::Group> scene = new osg::Group;
+    for (int i = 0; i < 2 * count; ++i) // a dot has two transforms, and four drawables
+        scene->addChild(bareTransform(i, state, {squares.make(), squares.make()}));
+    return scene;
+}
+
+osg::ref_ptr<osg::Group> bareLabels(int count)
+{
+    const SquareMaker squares;
+    const osg::ref_ptr<osg::StateSet> markState = unlit();
+    const osg::ref_ptr<osg::StateSet> labelState = unlit();
+    labelState->setRenderBinDetails(1, "RenderBin");
+    const osg::ref_ptr<osg::StateSet> lineState = unlit();
+    const osg::ref_ptr<osgText::Font> font =
+        osgText::readRefFontFile(CFeatureConfig::sigleFeatureConfig()->getFontPath().toStdString());
 
     osg::ref_ptr<osg::Group> scene = new osg::Group;
-    for (int i = 0; i < 2 * count; ++i) { // a dot has two transforms, and four drawables
-        const osg::ref_ptr<osg::Geode> geode = new osg::Geode;
-        geode->setStateSet(state);
-        for (int j = 0; j < 2; ++j) {
-            const osg::ref_ptr<osg::Geometry> square = new osg::Geometry;
-            square->setVertexArray(corners);
-            square->addPrimitiveSet(fan);
-            geode->addDrawable(square);
-        }
-        const osg::ref_ptr<osg::AutoTransform> transform = new osg::AutoTransform;
-        transform->setAutoScaleToScreen(true);
-        transform->setPosition(scattered(i));
-        transform->addChild(geode);
-        scene->addChild(transform);
+    for (int i = 0; i < count; ++i) {
+        const osg::ref_ptr<osg::Geometry> outline = squares.make();
+        outline->setStateSet(lineState);
+        const osg::ref_ptr<osgText::Text> text = new osgText::Text;
+        text->setFont(font);
+        text->setText("Point" + std::to_string(i));
+        const osg::ref_ptr<osg::AutoTransform> label = bareTransform(i, labelState, {outline, squares.make(), text});
+        label->setAutoRotateMode(osg::AutoTransform::ROTATE_TO_SCREEN);
+        scene->addChild(bareTransform(i, markState, {squares.make()}));
+        scene->addChild(label);
     }
     return scene;
 }
@@ -164,6 +216,7 @@ featureType rootOf(Sort sort)
 osg::ref_ptr<osg::Group> sceneOf(Sort sort, int count)
 {
     if (sort == Sort::BareTransform) return bareTransforms(count);
+    if (sort == Sort::BareLabel) return bareLabels(count);
     osg::ref_ptr<osg::Group> scene = new osg::Group;
     for (int i = 0; i < count; ++i) add(sort, *scene, i);
     return scene;

@@ -17,7 +17,8 @@ enum class Sort
     LineArrow,
     SolidArrow,
     Plane,
-    BareTransform ///< the floor: as many auto-scaled transforms and drawables, with shared arrays and state
+    BareTransform, ///< the floor: as many auto-scaled transforms and drawables, with shared arrays and state
+    BareLabel      ///< the same with texts, in transforms that turn to the screen
 };
 
 // The window that they are drawn in: a unit is a pixel.
@@ -30,7 +31,7 @@ inline constexpr int kHeight = 800;
 osg::ref_ptr<osg::Group> sceneOf(Sort sort, int count);
 
 /// The same scene as it would be without sharing: each sphere, cylinder, cone and text is a stock one of
-/// its own. Not for bare transforms.
+/// its own. Not for what is bare.
 osg::ref_ptr<osg::Group> straightforwardSceneOf(Sort sort, int count);
 
 using SceneBuilder = osg::ref_ptr<osg::Group> (*)(Sort, int);
