@@ -30,12 +30,18 @@ osg::Vec3d columnOf(const osg::Matrixd& matrix, int index)
     return {matrix(0, index), matrix(1, index), matrix(2, index)};
 }
 
+/// A measure of a viewport as osg::Viewport hands it to OpenGL.
+int wholePixels(double measure)
+{
+    return static_cast<int>(measure);
+}
+
 /// The pixels in one direction of the window whose middles a sphere around the origin may cover.
 class PixelRange
 {
 public:
     /// @param axis of clip coordinates
-    PixelRange(const osg::Matrixd& toClip, int axis, double radius, double windowFirst, double windowSize)
+    PixelRange(const osg::Matrixd& toClip, int axis, double radius, int windowFirst, int windowSize)
         : m_windowFirst(windowFirst), m_pixelsPerClip(0.5 * windowSize)
     {
         // Of the planes through the eye that cross the window in a line of equal coordinates, two touch
@@ -162,8 +168,8 @@ bool drawSpherePixels(osg::RenderInfo& renderInfo, double radius)
     if (!viewport || !(radius > 0.0) || !drawsPointsLikeTriangles(renderInfo)) return false;
 
     const osg::Matrixd toClip = state.getModelViewMatrix() * state.getProjectionMatrix();
-    const PixelRange columns(toClip, 0, radius, viewport->x(), viewport->width());
-    const PixelRange rows(toClip, 1, radius, viewport->y(), viewport->height());
+    const PixelRange columns(toClip, 0, radius, wholePixels(viewport->x()), wholePixels(viewport->width()));
+    const PixelRange rows(toClip, 1, radius, wholePixels(viewport->y()), wholePixels(viewport->height()));
     osg::Matrixd fromClip;
     if (!columns.isShort() || !rows.isShort() || !fromClip.invert(toClip)) return false;
 

@@ -70,6 +70,27 @@ TEST_F(LabelOrder, OfEqualIndicesTheLaterInTheSceneIsDrawnOver)
     EXPECT_EQ(pixelAt(*pictureOf({second, first}), kInsideLabelX, kInsideLabelY), kYellow);
 }
 
+/// A label whose own text cannot be told from its fill.
+osg::ref_ptr<CTableMeta> coverOf(int renderIndex)
+{
+    CTableMeta::structTableMeta meta = blueOnYellow("A label");
+    meta.backgroundColor = kSecondFill;
+    meta.textColor = osg::Vec4f(kSecondFill, 1.0f);
+    meta.renderIndex = renderIndex;
+    return new CTableMeta(meta);
+}
+
+TEST_F(LabelOrder, OfEqualIndicesTheLowerTextShowsThrough)
+{
+    const PixelBox inside = boxOfColour(*pictureOf({coverOf(5)}), kSecondFillPixel).shrunk(3);
+    const auto shades = [&](int coverIndex) {
+        const osg::ref_ptr<osg::Image> found = cut(*pictureOf({labelOf(kFirstFill, 5), coverOf(coverIndex)}), inside);
+        return found->s() * found->t() - countPixels(*found, kSecondFillPixel, 2);
+    };
+    EXPECT_GT(shades(5), 20);
+    EXPECT_EQ(shades(6), 0);
+}
+
 TEST_F(LabelOrder, ALabelIsDrawnOverANearerMeshAndUnlit)
 {
     const osg::ref_ptr<osg::Node> mesh = unlitRectangle({-60, -60, 60, 60, 50}, osg::Vec4(0, 1, 0, 1));

@@ -222,6 +222,12 @@ void moveTheViewport(osg::Group&, PictureRig& rig)
     rig.camera().setProjectionMatrixAsOrtho(-30, 30, -40, 40, 1, 200);
 }
 
+void scaleTheViewport(osg::Group&, PictureRig& rig)
+{
+    rig.camera().setViewport(new osg::Viewport(17.7, 9.9, 60.8, 80.6)); // as where a screen's scale is no whole number
+    rig.camera().setProjectionMatrixAsOrtho(-30, 30, -40, 40, 1, 200);
+}
+
 void leaveAlone(osg::Group&, PictureRig&) {}
 
 class SphereUnder : public PictureTest, public ::testing::WithParamInterface<Surroundings>
@@ -259,6 +265,7 @@ INSTANTIATE_TEST_SUITE_P(
                       Surroundings{"ReversedDepth", lookInReversedDepth, 6.0f},
                       Surroundings{"ATurnedView", turnTheView, 6.0f, osg::Vec3f(13, 20, 5)},
                       Surroundings{"AViewportApart", moveTheViewport, 6.0f, osg::Vec3f(3, 7, 0)},
+                      Surroundings{"AViewportOfBrokenPixels", scaleTheViewport, 6.0f, osg::Vec3f(3, 7, 0)},
                       Surroundings{"TheEdgeOfTheViewport", moveTheViewport, 6.0f, osg::Vec3f(-30, 7, 0)}),
     [](const auto& test) { return test.param.name; });
 
