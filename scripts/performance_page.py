@@ -32,7 +32,7 @@ Frame times on a graphics card are still to be measured.
 TAIL = """
 ## What remains
 
-- **Drawing.** A steady frame of 1,000 labelled dots is some seventeen times as fast as the straightforward
+- **Drawing.** A steady frame of 1,000 labelled dots is some fifteen times as fast as the straightforward
   one, a first frame more than twenty times. Drawn apart, the spheres take 5 us each, the texts of eight letters
   25 us, nearly all of it in the renderer's threads, outlines and rectangles 15 us. A sphere of up to 32 pixels
   across is drawn by one point for each of its pixels. It differs from the full tessellation by at most 2/255
