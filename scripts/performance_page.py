@@ -22,8 +22,8 @@ Frame times on a graphics card are still to be measured.
 - **BareTransform** is the floor of creating, culling and drawing: two bare auto-scaled transforms with two
   drawables each for each feature, which share their arrays and their state. **BareLabel** is the same with
   the kinds that a labelled dot has: a label turns to the screen, and one of its drawables is a text.
-- **raw...** and **bare...** (also in the middle of a name) are what OpenSceneGraph's own visitors, or Qt's XML streams over the same
-  bytes, take for the same in the same run.
+- **raw...** and **bare...** (also in the middle of a name) are what OpenSceneGraph's own visitors, or Qt's
+  XML streams over the same bytes, take for the same in the same run.
 - **bytes_each** is the heap that one feature takes, its label included. **growth_bytes** is by how much
   the resident memory grew from the third to the last of 100 rounds of creating, colouring, hiding, showing
   and removing 1,000 dots.
@@ -38,16 +38,16 @@ TAIL = """
   across is drawn by one point for each of its pixels. It differs from the full tessellation by at most 2/255
   inside, but for single pixels, of some thousand, along its outline, where the facets end. Where pixels have
   several samples a sphere of 2.5 to 12 pixels draws a half with about 1,300 triangles turned to the eye, which
-  takes 65 us and looks the same but for single samples; other spheres draw their full tessellation there.
+  looks the same but for single samples; other spheres draw their full tessellation there.
 - **Culling.** A cull of 10,000 dots takes more than twice the time of the simplest floor, and 1.3 times that of
-  the same kinds of transforms and drawables with shared state. Nearly all of the difference is state: a cull
-  visits 84 cache lines for each dot, 5.4 kB, and 24 of them are for sorting by state sets. A dot has state sets
+  the same kinds of transforms and drawables with shared state. Most of what differs from the latter is state: a
+  cull visits 84 cache lines for each dot, 5.4 kB, and 24 of them are for sorting by state sets. A dot has state sets
   of its own, since a host may change one and expects the others to stay, and since labels of the same render
   index would otherwise be drawn by parts, all outlines, then all rectangles. Fetching the nodes ahead gains 5 to
   10 % and no more, as then it is the state graphs that are waited for; it was left out again.
 - **Picking.** A label pick looks at every node once, since any node may bear a listed name; a pick by kind
   then walks with a box and with a ray. Nodes and their lists of children are fetched from memory ahead, which
-  halves the time. One walk for box and ray would gain another tenth over planes; but OpenSceneGraph tells a
+  nearly halves the time. One walk for box and ray would gain up to a sixth; but OpenSceneGraph tells a
   lone ray another eye point than a group of intersectors, which nodes that turn to the eye ask for.
 - **Memory.** Most of a feature is its label. A solid arrow keeps vertices of its own, since its length is
   its own; the normals of its head it shares with others that rise alike.

@@ -13,7 +13,6 @@
 #include <osg/Geometry>
 #include <osg/LightSource>
 #include <osg/Material>
-#include <osg/MatrixTransform>
 #include <osg/Point>
 #include <osg/PolygonMode>
 #include <osg/PolygonOffset>
@@ -336,6 +335,14 @@ TEST_F(SpherePicture, IsEmptyWhereTheSphereLiesBehindTheEye)
     EXPECT_TRUE(boxOfDifference(*rig.render(), kWhite).isEmpty());
 }
 
+/// What a camera does before or after it draws.
+struct DrawStep : osg::Camera::DrawCallback
+{
+    explicit DrawStep(std::function<void(const osg::GLExtensions&)> step) : m_step(std::move(step)) {}
+    void operator()(osg::RenderInfo& info) const override { m_step(*info.getState()->get<osg::GLExtensions>()); }
+    std::function<void(const osg::GLExtensions&)> m_step;
+};
+
 /// Gives a camera of a window a frame buffer of its own with four samples for each pixel, and reads
 /// what it draws there. By hand: OpenSceneGraph's own way takes any driver of Mesa for one of another.
 class MultisampledTarget
@@ -343,21 +350,14 @@ class MultisampledTarget
 public:
     explicit MultisampledTarget(osg::Camera& camera)
     {
-        camera.setPreDrawCallback(new Step([this](const osg::GLExtensions& gl) { begin(gl); }));
-        camera.setPostDrawCallback(new Step([this](const osg::GLExtensions& gl) { end(gl); }));
+        camera.setPreDrawCallback(new DrawStep([this](const osg::GLExtensions& gl) { begin(gl); }));
+        camera.setPostDrawCallback(new DrawStep([this](const osg::GLExtensions& gl) { end(gl); }));
     }
 
     const osg::ref_ptr<osg::Image> image = new osg::Image;
 
 private:
     static constexpr int kSide = 100;
-
-    struct Step : osg::Camera::DrawCallback
-    {
-        explicit Step(std::function<void(const osg::GLExtensions&)> step) : m_step(std::move(step)) {}
-        void operator()(osg::RenderInfo& info) const override { m_step(*info.getState()->get<osg::GLExtensions>()); }
-        std::function<void(const osg::GLExtensions&)> m_step;
-    };
 
     static GLuint bindNew(const osg::GLExtensions& gl, int samples)
     {
@@ -425,34 +425,17 @@ TEST_F(SpherePicture, HasSmoothEdgesForACameraWithSamplesInAWindowWithout)
 /// Counts the primitives that a camera draws.
 struct PrimitiveCounter
 {
-    struct Begin : osg::Camera::DrawCallback
-    {
-        explicit Begin(PrimitiveCounter& counter) : m_counter(counter) {}
-        void operator()(osg::RenderInfo& info) const override
-        {
-            const osg::GLExtensions& gl = *info.getState()->get<osg::GLExtensions>();
-            gl.glGenQueries(1, &m_counter.query);
-            gl.glBeginQuery(GL_PRIMITIVES_GENERATED, m_counter.query);
-        }
-        PrimitiveCounter& m_counter;
-    };
-    struct End : osg::Camera::DrawCallback
-    {
-        explicit End(PrimitiveCounter& counter) : m_counter(counter) {}
-        void operator()(osg::RenderInfo& info) const override
-        {
-            const osg::GLExtensions& gl = *info.getState()->get<osg::GLExtensions>();
-            gl.glEndQuery(GL_PRIMITIVES_GENERATED);
-            gl.glGetQueryObjectuiv(m_counter.query, GL_QUERY_RESULT, &m_counter.count);
-            gl.glDeleteQueries(1, &m_counter.query);
-        }
-        PrimitiveCounter& m_counter;
-    };
-
     explicit PrimitiveCounter(osg::Camera& camera)
     {
-        camera.setPreDrawCallback(new Begin(*this));
-        camera.setPostDrawCallback(new End(*this));
+        camera.setPreDrawCallback(new DrawStep([this](const osg::GLExtensions& gl) {
+            gl.glGenQueries(1, &query);
+            gl.glBeginQuery(GL_PRIMITIVES_GENERATED, query);
+        }));
+        camera.setPostDrawCallback(new DrawStep([this](const osg::GLExtensions& gl) {
+            gl.glEndQuery(GL_PRIMITIVES_GENERATED);
+            gl.glGetQueryObjectuiv(query, GL_QUERY_RESULT, &count);
+            gl.glDeleteQueries(1, &query);
+        }));
     }
 
     GLuint query = 0;
