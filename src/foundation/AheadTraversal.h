@@ -1,5 +1,7 @@
 #pragma once
 
+#include "foundation/ContentTransform.h"
+
 #include <osg/Group>
 #include <osg/MatrixTransform>
 #include <osg/Node>
@@ -41,33 +43,58 @@ public:
     static const osg::NodeList& of(const osg::Group& group) { return group.*(&ChildList::_children); }
 };
 
-/// What of a level of nodes is fetched in one go; the second can only be found when the first is there.
-enum class Fetched
-{
-    Nodes,
-    ChildLists
-};
-
-/// Fetches from the nodes that lie so many levels below a node; those in between were fetched before.
-inline void prefetchBelow(const osg::Node& node, unsigned int levels, Fetched what)
+/// The children of a node that may be part of a feature; null if it has none.
+inline const osg::NodeList* childrenOfPart(const osg::Node& node)
 {
     constexpr std::size_t kMostChildren = 16; // of a feature; what has more is no part of one
-    if (levels == 0 && what == Fetched::Nodes) return prefetchNode(node);
     const osg::Group* const group = node.asGroup();
-    if (!group) return;
+    if (!group) return nullptr;
     const osg::NodeList& children = ChildList::of(*group);
-    if (children.empty() || children.size() > kMostChildren) return;
-    if (levels == 0) return prefetch(children.data(), sizeof(children.front()));
-    for (const osg::ref_ptr<osg::Node>& child : children) prefetchBelow(*child, levels - 1, what);
+    return children.empty() || children.size() > kMostChildren ? nullptr : &children;
+}
+
+/// Fetches the list of a node's children, with which the children can be found.
+inline void prefetchChildList(const osg::Node& node)
+{
+    if (const osg::NodeList* const children = childrenOfPart(node))
+        prefetch(children->data(), sizeof(children->front()));
+}
+
+/// Calls fetch with the nodes that lie so many levels below a node; those in between, and their lists of
+/// children, were fetched before.
+template <typename Fetch>
+void fetchBelow(const osg::Node& node, unsigned int levels, const Fetch& fetch)
+{
+    if (levels == 0) return fetch(node);
+    if (const osg::NodeList* const children = childrenOfPart(node))
+        for (const osg::ref_ptr<osg::Node>& child : *children) fetchBelow(*child, levels - 1, fetch);
+}
+
+/// Lets all children of a group accept a visitor, one after the other.
+/// @param steps that it takes to fetch a child with what is below it, as each step finds what the next one fetches
+/// @param lead  how many children a step is ahead of the next
+/// @param fetch called with the child and the number of the step, from 0
+template <typename Fetch>
+void acceptAhead(osg::Group& group, osg::NodeVisitor& visitor, unsigned int steps, std::size_t lead, const Fetch& fetch)
+{
+    const osg::NodeList& children = ChildList::of(group);
+    for (std::size_t i = 0; i < children.size(); ++i) {
+        for (unsigned int step = 0; step < steps; ++step) {
+            const std::size_t ahead = i + (steps - step) * lead;
+            if (ahead < children.size()) fetch(*children[ahead], step);
+        }
+        children[i]->accept(visitor);
+    }
 }
 
 /// Whether a group traverses all its children one after the other, and has so many of them that it
 /// pays to fetch them ahead.
 inline bool isWideGroup(const osg::Group& group)
 {
-    constexpr unsigned int kWide = 64;
+    constexpr std::size_t kWide = 64;
     const std::type_info& kind = typeid(group);
-    return group.getNumChildren() >= kWide && (kind == typeid(osg::Group) || kind == typeid(osg::MatrixTransform));
+    return ChildList::of(group).size() >= kWide &&
+           (kind == typeid(osg::Group) || kind == typeid(osg::MatrixTransform) || kind == typeid(ContentTransform));
 }
 
 /// What group.traverse(visitor) does for a visitor of all or of active children.
@@ -75,19 +102,13 @@ inline bool isWideGroup(const osg::Group& group)
 ///        costs as much as it gains
 inline void traverseAhead(osg::Group& group, osg::NodeVisitor& visitor, unsigned int levels)
 {
-    constexpr std::size_t kLead = 2; // children that a step is ahead of the next
+    constexpr std::size_t kLead = 2;
     if (!isWideGroup(group)) return group.traverse(visitor);
 
-    const osg::NodeList& children = ChildList::of(group);
     const unsigned int steps = levels == 0 ? 0 : 2 * levels - 1; // the last level needs no lists
-    for (std::size_t i = 0; i < children.size(); ++i) {
-        for (unsigned int step = 0; step < steps; ++step) {
-            const std::size_t ahead = i + (steps - step) * kLead;
-            if (ahead >= children.size()) continue;
-            prefetchBelow(*children[ahead], step / 2, step % 2 == 0 ? Fetched::Nodes : Fetched::ChildLists);
-        }
-        children[i]->accept(visitor);
-    }
+    acceptAhead(group, visitor, steps, kLead, [](const osg::Node& child, unsigned int step) {
+        fetchBelow(child, step / 2, step % 2 == 0 ? prefetchNode : prefetchChildList);
+    });
 }
 
 } // namespace KelvOsgTools::detail

@@ -1,14 +1,13 @@
 #include <KelvOsgTools/featureBaseNode.h>
 
+#include "foundation/ContentTransform.h"
 #include "foundation/SceneMarks.h"
-
-#include <osg/MatrixTransform>
 
 namespace KelvOsgTools {
 
 featureBaseNode::featureBaseNode()
 {
-    const osg::ref_ptr<osg::MatrixTransform> content = new osg::MatrixTransform(osg::Matrix::identity());
+    const osg::ref_ptr<osg::MatrixTransform> content = new detail::ContentTransform;
     content->setDataVariance(osg::Object::DYNAMIC);
     content->setName(detail::kContentTransformName);
     addChild(content);

@@ -1,18 +1,17 @@
-#include "foundation/AheadTraversal.h"
+#include "ChildShapes.h"
 
-#include <osg/Geode>
-#include <osg/Geometry>
-#include <osg/Switch>
+#include "foundation/AheadTraversal.h"
 
 #include <gtest/gtest.h>
 
 #include <vector>
 
 using namespace KelvOsgTools;
+using namespace kelvtest;
 
 namespace {
 
-constexpr unsigned int kLevels = 3;
+constexpr unsigned int kLevels = 3; // that are fetched ahead
 
 /// Notes the nodes that it meets, and walks on ahead or as plain visitors do.
 class Notebook : public osg::NodeVisitor
@@ -44,49 +43,6 @@ std::vector<osg::Node*> metBelow(osg::Group& top, osg::NodeVisitor::TraversalMod
     Notebook notebook(mode, isAhead);
     top.accept(notebook);
     return notebook.met;
-}
-
-osg::ref_ptr<osg::Group> groupOfGroups(unsigned int count)
-{
-    osg::ref_ptr<osg::Group> group = new osg::Group;
-    for (unsigned int i = 0; i < count; ++i) group->addChild(new osg::Group);
-    return group;
-}
-
-osg::ref_ptr<osg::Node> switchWithOneOff()
-{
-    osg::ref_ptr<osg::Switch> toggle = new osg::Switch;
-    toggle->addChild(groupOfGroups(2), true);
-    toggle->addChild(groupOfGroups(3), false);
-    toggle->addChild(new osg::Geometry, true);
-    return toggle;
-}
-
-/// A child of one of five shapes: without children, a leaf, a tree deeper than what is fetched, one
-/// partly switched off, and one that is a wide group itself.
-osg::ref_ptr<osg::Node> childOfShape(unsigned int shape)
-{
-    switch (shape % 5) {
-    case 0:
-        return new osg::Group;
-    case 1:
-        return new osg::Geometry;
-    case 2: {
-        osg::ref_ptr<osg::Group> top = new osg::Group;
-        osg::Group* lowest = top;
-        for (unsigned int depth = 0; depth < 2 * kLevels; ++depth) {
-            const osg::ref_ptr<osg::Group> next = new osg::Group;
-            lowest->addChild(next);
-            lowest->addChild(new osg::Geode);
-            lowest = next;
-        }
-        return top;
-    }
-    case 3:
-        return switchWithOneOff();
-    default:
-        return groupOfGroups(100);
-    }
 }
 
 class AheadTraversal : public ::testing::TestWithParam<unsigned int>
