@@ -76,7 +76,8 @@ public:
     /// recolours nothing in the scaled layout.
     virtual void setState(featureState state);
 
-    /// As in the base class, but in the normal layout a unit is exactly a pixel in every projection.
+    /// As in the base class, but in the normal layout a unit is exactly a pixel in every projection,
+    /// between the minimum and the maximum scale.
     bool computeLocalToWorldMatrix(osg::Matrix& matrix, osg::NodeVisitor* visitor) const override;
 
     /// The way back.

@@ -3,7 +3,7 @@
 #include <KelvOsgTools/CTableMeta.h>
 
 #include "foundation/AheadTraversal.h"
-#include "primitives/PixelScale.h"
+#include "primitives/PixelTransform.h"
 
 #include <osg/Camera>
 #include <osg/Geode>

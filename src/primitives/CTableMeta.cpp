@@ -168,21 +168,15 @@ void CTableMeta::setState(featureState state)
 
 bool CTableMeta::computeLocalToWorldMatrix(osg::Matrix& matrix, osg::NodeVisitor* visitor) const
 {
-    osg::AutoTransform::computeLocalToWorldMatrix(matrix, visitor);
-    const double correction = detail::pixelCorrection(*this, visitor); // the hit test counts in pixels
-    matrix.preMultScale(osg::Vec3d(correction, correction, correction));
-    _scale *= correction; // which stays for the visitors that follow, until the next cull
-    return true;
+    // The hit test counts in pixels. Without a visitor the base class takes scale and rotation as they are.
+    const bool isScaled = detail::scaleToPixels(*this, visitor, _scale, _rotation);
+    return osg::AutoTransform::computeLocalToWorldMatrix(matrix, isScaled ? nullptr : visitor);
 }
 
 bool CTableMeta::computeWorldToLocalMatrix(osg::Matrix& matrix, osg::NodeVisitor* visitor) const
 {
-    osg::AutoTransform::computeWorldToLocalMatrix(matrix, visitor);
-    const double correction = detail::pixelCorrection(*this, visitor);
-    const double inverse = 1.0 / correction;
-    matrix.postMultScale(osg::Vec3d(inverse, inverse, inverse));
-    _scale *= correction;
-    return true;
+    const bool isScaled = detail::scaleToPixels(*this, visitor, _scale, _rotation);
+    return osg::AutoTransform::computeWorldToLocalMatrix(matrix, isScaled ? nullptr : visitor);
 }
 
 void CTableMeta::init()

@@ -2,31 +2,19 @@
 
 #include <osg/AutoTransform>
 #include <osg/NodeVisitor>
+#include <osg/Quat>
+#include <osg/Vec3d>
 
 namespace KelvOsgTools::detail {
 
-/// The factor by which the scale that a cull traversal just gave an auto-scaled transform is to be
-/// multiplied for a unit to be exactly a pixel; 1 for any other visitor, and without auto-scaling.
+/// Gives an auto-scaled transform the scale at which a unit is exactly a pixel in the view of a cull
+/// traversal, within the limits that its host has set, and the rotation that its mode asks for.
 ///
 /// OpenSceneGraph's own estimate is some percent too large in a parallel projection, and too small
 /// in perspective, by 20 % where the view is wide.
-double pixelCorrection(const osg::AutoTransform& transform, const osg::NodeVisitor* visitor);
-
-/// An auto-scaled transform whose unit is exactly a pixel.
-class PixelTransform : public osg::AutoTransform
-{
-public:
-    PixelTransform() = default;
-    PixelTransform(const PixelTransform& other, const osg::CopyOp& copyop);
-
-    osg::Object* cloneType() const override;
-    osg::Object* clone(const osg::CopyOp& copyop) const override;
-
-    bool computeLocalToWorldMatrix(osg::Matrix& matrix, osg::NodeVisitor* visitor) const override;
-    bool computeWorldToLocalMatrix(osg::Matrix& matrix, osg::NodeVisitor* visitor) const override;
-
-protected:
-    ~PixelTransform() override = default;
-};
+/// @return false, with nothing changed, for any other visitor, without auto-scaling, and in the
+///         plane of the eye, where there is no size on screen to keep
+bool scaleToPixels(const osg::AutoTransform& transform, osg::NodeVisitor* visitor, osg::Vec3d& scale,
+                   osg::Quat& rotation);
 
 } // namespace KelvOsgTools::detail

@@ -1,7 +1,7 @@
 #include "primitives/ScreenSphere.h"
 
 #include "foundation/Finite.h"
-#include "primitives/PixelScale.h"
+#include "primitives/PixelTransform.h"
 #include "primitives/SphereDrawable.h"
 
 #include <osg/GL>
