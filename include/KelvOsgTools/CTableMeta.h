@@ -76,6 +76,9 @@ public:
     /// recolours nothing in the scaled layout.
     virtual void setState(featureState state);
 
+    /// As in the base class; what an osgUtil::CullVisitor does with it takes a shorter way.
+    void accept(osg::NodeVisitor& visitor) override;
+
     /// As in the base class, but in the normal layout a unit is exactly a pixel in every projection,
     /// between the minimum and the maximum scale.
     bool computeLocalToWorldMatrix(osg::Matrix& matrix, osg::NodeVisitor* visitor) const override;

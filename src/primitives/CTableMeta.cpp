@@ -12,6 +12,7 @@
 #include "primitives/HeldAttribute.h"
 #include "primitives/LabelGlyphs.h"
 #include "primitives/PixelScale.h"
+#include "primitives/ScreenCull.h"
 #include "primitives/ScreenSphere.h"
 
 #include <osg/GL>
@@ -21,6 +22,7 @@
 
 #include <cmath>
 #include <tuple>
+#include <typeinfo>
 
 namespace KelvOsgTools {
 namespace {
@@ -164,6 +166,12 @@ void CTableMeta::setState(featureState state)
     if (state == m_state) return;
     updateState(state);
     m_state = state; // last, so that what memory did not suffice for can be tried again
+}
+
+void CTableMeta::accept(osg::NodeVisitor& visitor)
+{
+    // A class derived from this one may have ways of its own.
+    if (typeid(*this) != typeid(CTableMeta) || !detail::cullLabel(visitor, *this)) osg::AutoTransform::accept(visitor);
 }
 
 bool CTableMeta::computeLocalToWorldMatrix(osg::Matrix& matrix, osg::NodeVisitor* visitor) const

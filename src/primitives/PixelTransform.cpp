@@ -1,6 +1,7 @@
 #include "primitives/PixelTransform.h"
 
 #include "primitives/PixelScale.h"
+#include "primitives/ScreenCull.h"
 
 namespace KelvOsgTools::detail {
 
@@ -16,6 +17,11 @@ osg::Object* PixelTransform::cloneType() const
 osg::Object* PixelTransform::clone(const osg::CopyOp& copyop) const
 {
     return new PixelTransform(*this, copyop);
+}
+
+void PixelTransform::accept(osg::NodeVisitor& visitor)
+{
+    if (!cullSphere(visitor, *this)) osg::AutoTransform::accept(visitor);
 }
 
 bool PixelTransform::computeLocalToWorldMatrix(osg::Matrix& matrix, osg::NodeVisitor* visitor) const

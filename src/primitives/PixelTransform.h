@@ -14,6 +14,8 @@ public:
     osg::Object* cloneType() const override;
     osg::Object* clone(const osg::CopyOp& copyop) const override;
 
+    void accept(osg::NodeVisitor& visitor) override;
+
     bool computeLocalToWorldMatrix(osg::Matrix& matrix, osg::NodeVisitor* visitor) const override;
     bool computeWorldToLocalMatrix(osg::Matrix& matrix, osg::NodeVisitor* visitor) const override;
 
