@@ -101,7 +101,7 @@ osg::Object* ContentTransform::clone(const osg::CopyOp& copyop) const
 void ContentTransform::traverse(osg::NodeVisitor& visitor)
 {
     constexpr std::size_t kLead = 1;
-    constexpr std::size_t kTooManyForCaches = 2000; // features, of some six kilobytes that a cull reads
+    constexpr std::size_t kTooManyForCaches = 500; // features, of six kilobytes each that a cull reads, and scattered
     if (visitor.getVisitorType() != osg::NodeVisitor::CULL_VISITOR || _children.size() < kTooManyForCaches)
         return osg::MatrixTransform::traverse(visitor);
     acceptAhead(*this, visitor, std::size(kSteps), kLead, [](const osg::Node& child, unsigned int step) {
