@@ -77,6 +77,7 @@ public:
     }
 };
 
+/// What visitor.pushStateSet() does, which is enough where the graph is known to be there.
 void pushStateSet(CullVisitor& visitor, const osg::StateSet& state)
 {
     StateGraph& around = *visitor.getCurrentStateGraph();
