@@ -78,7 +78,7 @@ osg::ref_ptr<osg::Geode> hostGeode()
 {
     osg::ref_ptr<osg::Geode> geode = new osg::Geode;
     geode->addDrawable(new osg::ShapeDrawable(new osg::Box));
-    geode->getOrCreateStateSet()->setRenderBinDetails(-1, "RenderBin");
+    geode->getOrCreateStateSet()->setRenderBinDetails(1, "RenderBin"); // that of the labels
     return geode;
 }
 
