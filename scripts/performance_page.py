@@ -32,7 +32,7 @@ Frame times on a graphics card are still to be measured.
 TAIL = """
 ## What remains
 
-- **Drawing.** A steady frame of 1,000 labelled dots is some fifteen times as fast as the straightforward
+- **Drawing.** A steady frame of 1,000 labelled dots is some seventeen times as fast as the straightforward
   one, a first frame more than twenty times. Drawn apart, the spheres take 5 us each, the texts of eight letters
   25 us, nearly all of it in the renderer's threads, outlines and rectangles 15 us. A sphere of up to 32 pixels
   across is drawn by one point for each of its pixels. It differs from the full tessellation by at most 2/255
@@ -40,7 +40,7 @@ TAIL = """
   several samples a sphere of 2.5 to 12 pixels draws a half with about 1,300 triangles turned to the eye, which
   looks the same but for single samples; other spheres draw their full tessellation there.
 - **Culling.** A cull of 10,000 labelled dots takes some sixth longer than that of the simplest floor, and two thirds
-  of what it takes **theStockWay**, by a cull visitor for which features take no shorter one (both have memory fetched
+  of what it takes **cullTheStockWay**, by a visitor for which features take no shorter one (both have memory fetched
   ahead). Labels and spheres are culled in one go, and equal state sets are drawn with the first of them. A cull reads
   some 90 cache lines for each dot, 5.7 kB; a quarter of them are its three state sets, which are its own, since a
   host may change one and expects the others to stay, and which are therefore read anew each time. What remains is
